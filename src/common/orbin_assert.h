@@ -18,15 +18,15 @@ namespace ORBIN_ASSERT_DETAIL
 void report_failure(const char* condition, const char* file, int line);
 } // namespace ORBIN_ASSERT_DETAIL
 
-#define ORBIN_ASSERT(cond, action)                                                                        \
-    if (Q_LIKELY(cond))                                                                                     \
-    {                                                                                                       \
-    }                                                                                                       \
-    else                                                                                                    \
-    {                                                                                                       \
-        ::ORBIN_ASSERT_DETAIL::report_failure(#cond, __FILE__, __LINE__);                                   \
-        action;                                                                                             \
-    }                                                                                                       \
-    do                                                                                                      \
-    {                                                                                                       \
+#define ORBIN_ASSERT(cond, action)                                                                           \
+    if (Q_LIKELY(cond))                                                                                      \
+    {                                                                                                        \
+    }                                                                                                        \
+    else                                                                                                     \
+    {                                                                                                        \
+        ::ORBIN_ASSERT_DETAIL::report_failure(#cond, __FILE__, __LINE__);                                    \
+        action;                                                                                              \
+    }                                                                                                        \
+    do                                                                                                       \
+    {                                                                                                        \
     } while (false)

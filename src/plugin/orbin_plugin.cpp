@@ -51,8 +51,10 @@ void ORBIN_PLUGIN::open_window(QString)
     }
     else
     {
-        text = QStringLiteral("Project paths:\n\nBinaries: %1\nDesign data: %2\nCSV import: %3\nConnection: %4")
-                   .arg(paths.binaries_path, paths.design_data_path, paths.csv_import_path, paths.connection_path);
+        text =
+            QStringLiteral("Project paths:\n\nBinaries: %1\nDesign data: %2\nCSV import: %3\nConnection: %4")
+                .arg(paths.binaries_path, paths.design_data_path, paths.csv_import_path,
+                     paths.connection_path);
         for (int index = 0; index < paths.all_working_data_count(); ++index)
             text += QStringLiteral("\nWorking data: %1").arg(paths.get_working_data_path(index));
     }

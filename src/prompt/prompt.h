@@ -42,10 +42,10 @@ HANDLER* set_handler(HANDLER* replacement);
 
 // Message boxes. REQUEST: parent, title, text, buttons, default_button.
 // The answer is the button pressed (Escape gives the escape button, as Qt).
-QMessageBox::StandardButton question(QWidget* parent, const QString& title, const QString& text,
-                                     QMessageBox::StandardButtons buttons = QMessageBox::StandardButtons(
-                                         QMessageBox::Yes | QMessageBox::No),
-                                     QMessageBox::StandardButton default_button = QMessageBox::NoButton);
+QMessageBox::StandardButton question(
+    QWidget* parent, const QString& title, const QString& text,
+    QMessageBox::StandardButtons buttons = QMessageBox::StandardButtons(QMessageBox::Yes | QMessageBox::No),
+    QMessageBox::StandardButton default_button = QMessageBox::NoButton);
 QMessageBox::StandardButton information(QWidget* parent, const QString& title, const QString& text,
                                         QMessageBox::StandardButtons buttons = QMessageBox::Ok,
                                         QMessageBox::StandardButton default_button = QMessageBox::NoButton);
@@ -94,7 +94,8 @@ QString get_save_file_name(QWidget* parent = nullptr, const QString& caption = Q
 
 // Colour dialog, in the argument order of QColorDialog::getColor. REQUEST:
 // initial_color, parent, title, color_options. Invalid when cancelled.
-QColor get_color(const QColor& initial = Qt::white, QWidget* parent = nullptr, const QString& title = QString(),
+QColor get_color(const QColor& initial = Qt::white, QWidget* parent = nullptr,
+                 const QString& title = QString(),
                  QColorDialog::ColorDialogOptions options = QColorDialog::ColorDialogOptions());
 
 // Runs a dialog modally and answers its result code, as QDialog::exec.

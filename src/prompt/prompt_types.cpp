@@ -44,6 +44,7 @@ QString kind_name(KIND kind)
 
 bool is_message_box(KIND kind)
 {
-    return kind == KIND::QUESTION || kind == KIND::INFORMATION || kind == KIND::WARNING || kind == KIND::CRITICAL;
+    return kind == KIND::QUESTION || kind == KIND::INFORMATION || kind == KIND::WARNING ||
+           kind == KIND::CRITICAL;
 }
 } // namespace prompt

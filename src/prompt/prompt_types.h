@@ -48,28 +48,28 @@ struct REQUEST
 {
     KIND kind = KIND::QUESTION;
     QWidget* parent = nullptr;
-    QString title;                 // window title, or the file dialog's caption
-    QString text;                  // message text, or the input dialog's label
+    QString title; // window title, or the file dialog's caption
+    QString text;  // message text, or the input dialog's label
     QMessageBox::StandardButtons buttons = QMessageBox::NoButton;
     QMessageBox::StandardButton default_button = QMessageBox::NoButton;
     QLineEdit::EchoMode echo_mode = QLineEdit::Normal;
-    QString initial_text;          // preset text, or the file dialog's starting directory
-    QStringList items;             // get_item
-    int current_item = 0;          // get_item
-    bool editable = true;          // get_item
-    double value = 0;              // get_int, get_double: preset value
-    double minimum = 0;            // get_int, get_double
-    double maximum = 0;            // get_int, get_double
-    int step_or_decimals = 1;      // get_int: step; get_double: decimals
-    QString filter;                // file dialogs
+    QString initial_text;     // preset text, or the file dialog's starting directory
+    QStringList items;        // get_item
+    int current_item = 0;     // get_item
+    bool editable = true;     // get_item
+    double value = 0;         // get_int, get_double: preset value
+    double minimum = 0;       // get_int, get_double
+    double maximum = 0;       // get_int, get_double
+    int step_or_decimals = 1; // get_int: step; get_double: decimals
+    QString filter;           // file dialogs
     QString* selected_filter = nullptr;
     QFileDialog::Options file_options;
-    QColor initial_color;          // get_color
+    QColor initial_color; // get_color
     QColorDialog::ColorDialogOptions color_options;
-    QDialog* dialog = nullptr;     // exec(QDialog&)
-    QMenu* menu = nullptr;         // exec(QMenu&, ...)
-    QPoint position;               // exec(QMenu&, ...)
-    QAction* menu_at = nullptr;    // exec(QMenu&, ...)
+    QDialog* dialog = nullptr;  // exec(QDialog&)
+    QMenu* menu = nullptr;      // exec(QMenu&, ...)
+    QPoint position;            // exec(QMenu&, ...)
+    QAction* menu_at = nullptr; // exec(QMenu&, ...)
 };
 
 // The answer of a handler. `accepted` is the "ok" of the input and file
@@ -78,12 +78,12 @@ struct ANSWER
 {
     bool accepted = false;
     QMessageBox::StandardButton button = QMessageBox::NoButton;
-    QString text;                  // get_text, get_item, directory, file name
-    QStringList texts;             // get_open_file_names
+    QString text;      // get_text, get_item, directory, file name
+    QStringList texts; // get_open_file_names
     int int_value = 0;
     double double_value = 0;
-    QColor color;                  // invalid when cancelled, as QColorDialog gives
-    int dialog_result = 0;         // exec(QDialog&): QDialog::Rejected by default
-    QAction* action = nullptr;     // exec(QMenu&, ...)
+    QColor color;              // invalid when cancelled, as QColorDialog gives
+    int dialog_result = 0;     // exec(QDialog&): QDialog::Rejected by default
+    QAction* action = nullptr; // exec(QMenu&, ...)
 };
 } // namespace prompt

@@ -44,14 +44,14 @@ ANSWER QT_PROMPT_HANDLER::ask(const REQUEST& request)
                                             request.current_item, request.editable, &answer.accepted);
         break;
     case KIND::GET_INT:
-        answer.int_value = QInputDialog::getInt(request.parent, request.title, request.text, int(request.value),
-                                                int(request.minimum), int(request.maximum),
-                                                request.step_or_decimals, &answer.accepted);
+        answer.int_value = QInputDialog::getInt(
+            request.parent, request.title, request.text, int(request.value), int(request.minimum),
+            int(request.maximum), request.step_or_decimals, &answer.accepted);
         break;
     case KIND::GET_DOUBLE:
-        answer.double_value =
-            QInputDialog::getDouble(request.parent, request.title, request.text, request.value, request.minimum,
-                                    request.maximum, request.step_or_decimals, &answer.accepted);
+        answer.double_value = QInputDialog::getDouble(request.parent, request.title, request.text,
+                                                      request.value, request.minimum, request.maximum,
+                                                      request.step_or_decimals, &answer.accepted);
         break;
     case KIND::GET_EXISTING_DIRECTORY:
         answer.text = QFileDialog::getExistingDirectory(request.parent, request.title, request.initial_text,
@@ -59,24 +59,26 @@ ANSWER QT_PROMPT_HANDLER::ask(const REQUEST& request)
         answer.accepted = !answer.text.isEmpty();
         break;
     case KIND::GET_OPEN_FILE_NAME:
-        answer.text = QFileDialog::getOpenFileName(request.parent, request.title, request.initial_text,
-                                                   request.filter, request.selected_filter, request.file_options);
+        answer.text =
+            QFileDialog::getOpenFileName(request.parent, request.title, request.initial_text, request.filter,
+                                         request.selected_filter, request.file_options);
         answer.accepted = !answer.text.isEmpty();
         break;
     case KIND::GET_OPEN_FILE_NAMES:
-        answer.texts = QFileDialog::getOpenFileNames(request.parent, request.title, request.initial_text,
-                                                     request.filter, request.selected_filter,
-                                                     request.file_options);
+        answer.texts =
+            QFileDialog::getOpenFileNames(request.parent, request.title, request.initial_text, request.filter,
+                                          request.selected_filter, request.file_options);
         answer.accepted = !answer.texts.isEmpty();
         break;
     case KIND::GET_SAVE_FILE_NAME:
-        answer.text = QFileDialog::getSaveFileName(request.parent, request.title, request.initial_text,
-                                                   request.filter, request.selected_filter, request.file_options);
+        answer.text =
+            QFileDialog::getSaveFileName(request.parent, request.title, request.initial_text, request.filter,
+                                         request.selected_filter, request.file_options);
         answer.accepted = !answer.text.isEmpty();
         break;
     case KIND::GET_COLOR:
-        answer.color =
-            QColorDialog::getColor(request.initial_color, request.parent, request.title, request.color_options);
+        answer.color = QColorDialog::getColor(request.initial_color, request.parent, request.title,
+                                              request.color_options);
         answer.accepted = answer.color.isValid();
         break;
     case KIND::EXEC_DIALOG:

@@ -36,7 +36,7 @@ private slots:
         QTest::newRow("nested literal") << "\\kiln\\export_changes_from_database_editor_configuration.xml"
                                         << "/kiln/export_changes_from_database_editor_configuration.xml";
         QTest::newRow("client root keeps its trailing separator") << "D:\\workspaces\\game\\"
-                                                                   << "D:/workspaces/game/";
+                                                                  << "D:/workspaces/game/";
         QTest::newRow("already native") << "/home/user/db"
                                         << "/home/user/db";
         QTest::newRow("empty") << ""
@@ -137,10 +137,12 @@ private slots:
         const QString missing = ORBIN_PATHS::executable("orbin_no_such_tool.exe", folder.path());
         QCOMPARE(missing, folder.filePath("orbin_no_such_tool"));
         QVERIFY(!QFileInfo::exists(missing));
-        QCOMPARE(ORBIN_PATHS::executable("orbin_no_such_tool.exe", QString()), QStringLiteral("orbin_no_such_tool"));
+        QCOMPARE(ORBIN_PATHS::executable("orbin_no_such_tool.exe", QString()),
+                 QStringLiteral("orbin_no_such_tool"));
 
         // A folder with a trailing separator, as project paths have.
-        QCOMPARE(ORBIN_PATHS::executable("KILN.release.exe", folder.path() + "/"), folder.filePath("KILN.release"));
+        QCOMPARE(ORBIN_PATHS::executable("KILN.release.exe", folder.path() + "/"),
+                 folder.filePath("KILN.release"));
     }
 };
 

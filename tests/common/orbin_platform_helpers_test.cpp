@@ -33,9 +33,9 @@ private slots:
     {
         const QVector<int> values{10, 20};
         QCOMPARE(checked_value(values, 1), 20);
-        QTest::ignoreMessage(QtWarningMsg,
-                             QRegularExpression("ORBIN_ASSERT: \"index >= 0 && index < values.size\\(\\)\" in "
-                                                ".*orbin_platform_helpers_test.cpp:\\d+"));
+        QTest::ignoreMessage(
+            QtWarningMsg, QRegularExpression("ORBIN_ASSERT: \"index >= 0 && index < values.size\\(\\)\" in "
+                                             ".*orbin_platform_helpers_test.cpp:\\d+"));
         QCOMPARE(checked_value(values, 5), -1);
     }
 

@@ -9,7 +9,10 @@ class ORBIN_SETTINGS_TEST : public QObject
     Q_OBJECT
 
 private:
-    QString config_home() const { return QStandardPaths::writableLocation(QStandardPaths::GenericConfigLocation); }
+    QString config_home() const
+    {
+        return QStandardPaths::writableLocation(QStandardPaths::GenericConfigLocation);
+    }
 
 private slots:
     void initTestCase()
@@ -87,7 +90,8 @@ private slots:
         ORBIN_SETTINGS reader(path);
         QCOMPARE(reader.fileName(), expected);
         QCOMPARE(reader.value(QStringLiteral("tables/cell_back_is_default"), true).toBool(), false);
-        QCOMPARE(reader.value(QStringLiteral("DefaultImportLocation")).toString(), QStringLiteral("/data/in"));
+        QCOMPARE(reader.value(QStringLiteral("DefaultImportLocation")).toString(),
+                 QStringLiteral("/data/in"));
 
         QDirIterator it(config_home(), QDir::AllEntries | QDir::NoDotAndDotDot, QDirIterator::Subdirectories);
         while (it.hasNext())
@@ -100,7 +104,8 @@ private slots:
     // Arrays keep their names and order, as the recent-connection lists need.
     void arrays_round_trip()
     {
-        const QStringList paths{QStringLiteral("/db/one"), QStringLiteral("/db/two"), QStringLiteral("/db/three")};
+        const QStringList paths{QStringLiteral("/db/one"), QStringLiteral("/db/two"),
+                                QStringLiteral("/db/three")};
         {
             ORBIN_SETTINGS settings(QStringLiteral("Northfold\\Quill\\Veld\\Connections"));
             settings.beginWriteArray(QStringLiteral("recentMainConnections"));

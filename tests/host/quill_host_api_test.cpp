@@ -55,7 +55,8 @@ private slots:
         QTest::addColumn<QString>("in_use");
         QTest::addColumn<QStringList>("all");
         QTest::addColumn<QStringList>("seen");
-        QTest::newRow("list only") << "" << QStringList{"/w/one", "/w/two"} << QStringList{"/w/one/", "/w/two/"};
+        QTest::newRow("list only") << "" << QStringList{"/w/one", "/w/two"}
+                                   << QStringList{"/w/one/", "/w/two/"};
         QTest::newRow("in use only") << "/w/one" << QStringList() << QStringList{"/w/one/"};
         QTest::newRow("in use moves to the front")
             << "/w/two" << QStringList{"/w/one", "/w/two/"} << QStringList{"/w/two/", "/w/one/"};

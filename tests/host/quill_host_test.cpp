@@ -100,7 +100,9 @@ private slots:
 
         open->trigger();
         QCOMPARE(window.plugin_manager().widgets().size(), 2);
-        QVERIFY(window.log_lines().filter("Loaded Test Plugin from " + QFileInfo(good_plugin).fileName()).size() == 1);
+        QVERIFY(window.log_lines()
+                    .filter("Loaded Test Plugin from " + QFileInfo(good_plugin).fileName())
+                    .size() == 1);
     }
 
     // Closing a plugin's window asks the plugin; a refusal keeps it, consent
@@ -200,8 +202,8 @@ private slots:
         QFETCH(QStringList, messages);
         TEST_FOLDER folder;
         QUILL_START_OPTIONS options;
-        options.plugin_folder = with_plugin_folder ? plugin_folder(folder, {good_plugin}, false)
-                                                   : folder.file("no-plugins-here");
+        options.plugin_folder =
+            with_plugin_folder ? plugin_folder(folder, {good_plugin}, false) : folder.file("no-plugins-here");
         if (with_project)
             options.binaries_path = "/p/binaries";
         QUILL_MAIN_WINDOW window;

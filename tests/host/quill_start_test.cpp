@@ -18,12 +18,13 @@ private slots:
         QTest::addColumn<QString>("design_data");
         QTest::addColumn<QString>("connection");
         QTest::addColumn<QStringList>("working_data");
-        QTest::newRow("full file") << "# a project\n[project]\nbinaries = binaries\ndesign_data = design_data\n"
-                                      "csv_import = design_data/csv\nconnection = raw_data/db\n"
-                                      "working_data = working_data\nworking_data = mods/working_data\n"
-                                   << "/base/binaries"
-                                   << "/base/design_data"
-                                   << "/base/raw_data/db" << QStringList{"/base/working_data", "/base/mods/working_data"};
+        QTest::newRow("full file")
+            << "# a project\n[project]\nbinaries = binaries\ndesign_data = design_data\n"
+               "csv_import = design_data/csv\nconnection = raw_data/db\n"
+               "working_data = working_data\nworking_data = mods/working_data\n"
+            << "/base/binaries"
+            << "/base/design_data"
+            << "/base/raw_data/db" << QStringList{"/base/working_data", "/base/mods/working_data"};
         QTest::newRow("no header, comments, CRLF, quotes")
             << "; comment\r\nbinaries = \"../bin\"\r\n\r\nDESIGN_DATA=/abs/dd\r\n"
             << "/bin"
@@ -84,7 +85,10 @@ private slots:
     void reading_files()
     {
         TEST_FOLDER folder;
-        QVERIFY(!folder.write("game/quill-project.ini", "\xEF\xBB\xBF" "binaries = binaries\n").isEmpty());
+        QVERIFY(!folder
+                     .write("game/quill-project.ini", "\xEF\xBB\xBF"
+                                                      "binaries = binaries\n")
+                     .isEmpty());
         PROJECT_PATHS paths = PROJECT_PATHS::none();
         QString error;
         QVERIFY2(QUILL_PROJECT_FILE::read(folder.file("game"), paths, error), qPrintable(error));
@@ -103,11 +107,13 @@ private slots:
         QTest::addColumn<bool>("full");
         QTest::newRow("nothing") << QStringList{"quill"} << true << "" << QStringList() << false;
         QTest::newRow("paths and full")
-            << QStringList{"quill", "--binaries", "/b", "--working-data", "/w1", "--working-data=/w2", "--full"} << true
-            << "/b" << QStringList{"/w1", "/w2"} << true;
-        QTest::newRow("unknown option") << QStringList{"quill", "--projct", "x"} << false << "" << QStringList()
-                                        << false;
-        QTest::newRow("stray argument") << QStringList{"quill", "project.ini"} << false << "" << QStringList() << false;
+            << QStringList{"quill", "--binaries",         "/b",    "--working-data",
+                           "/w1",   "--working-data=/w2", "--full"}
+            << true << "/b" << QStringList{"/w1", "/w2"} << true;
+        QTest::newRow("unknown option")
+            << QStringList{"quill", "--projct", "x"} << false << "" << QStringList() << false;
+        QTest::newRow("stray argument")
+            << QStringList{"quill", "project.ini"} << false << "" << QStringList() << false;
     }
 
     void command_lines()
@@ -135,8 +141,8 @@ private slots:
         QUILL_START_OPTIONS options;
         QString error;
         QVERIFY(QUILL_START_OPTIONS::parse(
-            {"quill", "--project", folder.path(), "--binaries", "/elsewhere/bin", "--working-data", "/w"}, options,
-            error));
+            {"quill", "--project", folder.path(), "--binaries", "/elsewhere/bin", "--working-data", "/w"},
+            options, error));
         PROJECT_PATHS paths = PROJECT_PATHS::none();
         QVERIFY2(options.project_paths(paths, error), qPrintable(error));
         QCOMPARE(paths.binaries_path, QStringLiteral("/elsewhere/bin"));

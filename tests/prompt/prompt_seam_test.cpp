@@ -65,15 +65,16 @@ private slots:
         QTest::addColumn<int>("buttons");
         QTest::addColumn<int>("default_button");
         QTest::addColumn<int>("pressed");
-        QTest::newRow("question, default No") << int(prompt::KIND::QUESTION) << int(QMessageBox::Yes | QMessageBox::No)
-                                              << int(QMessageBox::No) << int(QMessageBox::Yes);
+        QTest::newRow("question, default No")
+            << int(prompt::KIND::QUESTION) << int(QMessageBox::Yes | QMessageBox::No) << int(QMessageBox::No)
+            << int(QMessageBox::Yes);
         QTest::newRow("information") << int(prompt::KIND::INFORMATION) << int(QMessageBox::Ok)
                                      << int(QMessageBox::NoButton) << int(QMessageBox::Ok);
-        QTest::newRow("warning with cancel") << int(prompt::KIND::WARNING)
-                                             << int(QMessageBox::Ok | QMessageBox::Cancel) << int(QMessageBox::Ok)
-                                             << int(QMessageBox::Cancel);
-        QTest::newRow("critical") << int(prompt::KIND::CRITICAL) << int(QMessageBox::Ok) << int(QMessageBox::NoButton)
-                                  << int(QMessageBox::Ok);
+        QTest::newRow("warning with cancel")
+            << int(prompt::KIND::WARNING) << int(QMessageBox::Ok | QMessageBox::Cancel)
+            << int(QMessageBox::Ok) << int(QMessageBox::Cancel);
+        QTest::newRow("critical") << int(prompt::KIND::CRITICAL) << int(QMessageBox::Ok)
+                                  << int(QMessageBox::NoButton) << int(QMessageBox::Ok);
     }
 
     // Each message box reaches the handler with all it was asked with, and
@@ -130,17 +131,19 @@ private slots:
         prompts.real(2.5).cancel();
 
         bool ok = false;
-        QCOMPARE(prompt::get_text(nullptr, "Username of person making the change", "User Name:", QLineEdit::Normal,
-                                  "preset", &ok),
+        QCOMPARE(prompt::get_text(nullptr, "Username of person making the change",
+                                  "User Name:", QLineEdit::Normal, "preset", &ok),
                  QStringLiteral("alice"));
         QVERIFY(ok);
         QCOMPARE(prompt::get_text(nullptr, "t", "l", QLineEdit::Normal, "preset", &ok), QString());
         QVERIFY(!ok);
-        QCOMPARE(prompt::get_multi_line_text(nullptr, "t", "l", QString(), &ok), QStringLiteral("line one\nline two"));
+        QCOMPARE(prompt::get_multi_line_text(nullptr, "t", "l", QString(), &ok),
+                 QStringLiteral("line one\nline two"));
         QVERIFY(ok);
 
         const QStringList items{"English", "French", "German"};
-        QCOMPARE(prompt::get_item(nullptr, "t", "Language:", items, 1, true, &ok), QStringLiteral("typed item"));
+        QCOMPARE(prompt::get_item(nullptr, "t", "Language:", items, 1, true, &ok),
+                 QStringLiteral("typed item"));
         QVERIFY(ok);
         QCOMPARE(prompt::get_item(nullptr, "t", "Language:", items, 2, false, &ok), QStringLiteral("German"));
         QVERIFY(!ok);
@@ -168,10 +171,12 @@ private slots:
         prompts.text("/data/db").text("/data/a.csv").texts({"/data/a.csv", "/data/b.csv"}).cancel();
         prompts.color(QColor(0x7B, 0x94, 0xB4)).cancel();
 
-        QCOMPARE(prompt::get_existing_directory(nullptr, "Choose database", "/data"), QStringLiteral("/data/db"));
+        QCOMPARE(prompt::get_existing_directory(nullptr, "Choose database", "/data"),
+                 QStringLiteral("/data/db"));
         QCOMPARE(prompt::get_open_file_name(nullptr, "Import CSV", "/data", "CSV files (*.csv)"),
                  QStringLiteral("/data/a.csv"));
-        QCOMPARE(prompt::get_open_file_names(nullptr, "Import", "/data"), QStringList({"/data/a.csv", "/data/b.csv"}));
+        QCOMPARE(prompt::get_open_file_names(nullptr, "Import", "/data"),
+                 QStringList({"/data/a.csv", "/data/b.csv"}));
         QCOMPARE(prompt::get_save_file_name(nullptr, "Save", "/data"), QString());
         QCOMPARE(prompt::get_color(Qt::white, nullptr, "Colour"), QColor(0x7B, 0x94, 0xB4));
         QVERIFY(!prompt::get_color(Qt::white, nullptr, "Colour").isValid());
@@ -186,7 +191,8 @@ private slots:
     void exec_dialog()
     {
         SCRIPTED_PROMPT prompts;
-        prompts.accept_dialog([](QDialog& dialog) { dialog.findChild<QLineEdit*>("name")->setText("units"); });
+        prompts.accept_dialog(
+            [](QDialog& dialog) { dialog.findChild<QLineEdit*>("name")->setText("units"); });
         prompts.accept_dialog();
         prompts.reject_dialog();
         prompts.dialog([](QDialog&) { return 42; });
@@ -269,11 +275,13 @@ private slots:
         QVERIFY(probe.waitForFinished(30000));
         const QString output = QString::fromUtf8(probe.readAll());
         QVERIFY2(probe.exitCode() == 2, qPrintable(output)); // two failed test functions
-        QVERIFY2(output.contains("FAIL!  : SCRIPTED_PROMPT_PROBE::unscripted_question() SCRIPTED_PROMPT: unscripted "
-                                 "question \"Orbin\""),
+        QVERIFY2(output.contains(
+                     "FAIL!  : SCRIPTED_PROMPT_PROBE::unscripted_question() SCRIPTED_PROMPT: unscripted "
+                     "question \"Orbin\""),
                  qPrintable(output));
-        QVERIFY2(output.contains("FAIL!  : SCRIPTED_PROMPT_PROBE::unused_answer() SCRIPTED_PROMPT: scripted answers "
-                                 "never asked for: text \"never asked\""),
+        QVERIFY2(output.contains(
+                     "FAIL!  : SCRIPTED_PROMPT_PROBE::unused_answer() SCRIPTED_PROMPT: scripted answers "
+                     "never asked for: text \"never asked\""),
                  qPrintable(output));
     }
 
@@ -312,8 +320,9 @@ private slots:
             default_seen = box->standardButton(box->defaultButton());
             box->button(QMessageBox::Yes)->click();
         });
-        QCOMPARE(prompt::question(nullptr, "Orbin", "Sure?", QMessageBox::Yes | QMessageBox::No, QMessageBox::No),
-                 QMessageBox::Yes);
+        QCOMPARE(
+            prompt::question(nullptr, "Orbin", "Sure?", QMessageBox::Yes | QMessageBox::No, QMessageBox::No),
+            QMessageBox::Yes);
         QCOMPARE(default_seen, QMessageBox::No);
 
         QString label_seen;

@@ -34,8 +34,7 @@ QString describe(const prompt::REQUEST& request)
 }
 } // namespace
 
-SCRIPTED_PROMPT::SCRIPTED_PROMPT(ON_ERROR on_error)
-    : m_on_error(on_error)
+SCRIPTED_PROMPT::SCRIPTED_PROMPT(ON_ERROR on_error) : m_on_error(on_error)
 {
     m_previous = prompt::set_handler(this);
 }
@@ -48,8 +47,9 @@ SCRIPTED_PROMPT::~SCRIPTED_PROMPT()
         QStringList left;
         for (const STEP& step : m_queue)
             left << step.description;
-        const QByteArray message =
-            QStringLiteral("SCRIPTED_PROMPT: scripted answers never asked for: %1").arg(left.join(", ")).toUtf8();
+        const QByteArray message = QStringLiteral("SCRIPTED_PROMPT: scripted answers never asked for: %1")
+                                       .arg(left.join(", "))
+                                       .toUtf8();
         QTest::qFail(message.constData(), __FILE__, __LINE__);
     }
 }
@@ -84,65 +84,70 @@ SCRIPTED_PROMPT& SCRIPTED_PROMPT::text(const QString& value)
 
 SCRIPTED_PROMPT& SCRIPTED_PROMPT::texts(const QStringList& values)
 {
-    return queue(QStringLiteral("texts \"%1\"").arg(values.join("\", \"")),
-                 [](prompt::KIND kind) { return kind == prompt::KIND::GET_OPEN_FILE_NAMES; },
-                 [values](const prompt::REQUEST&) {
-                     prompt::ANSWER answer;
-                     answer.accepted = true;
-                     answer.texts = values;
-                     return answer;
-                 });
+    return queue(
+        QStringLiteral("texts \"%1\"").arg(values.join("\", \"")),
+        [](prompt::KIND kind) { return kind == prompt::KIND::GET_OPEN_FILE_NAMES; },
+        [values](const prompt::REQUEST&) {
+            prompt::ANSWER answer;
+            answer.accepted = true;
+            answer.texts = values;
+            return answer;
+        });
 }
 
 SCRIPTED_PROMPT& SCRIPTED_PROMPT::integer(int value)
 {
-    return queue(QStringLiteral("integer %1").arg(value),
-                 [](prompt::KIND kind) { return kind == prompt::KIND::GET_INT; },
-                 [value](const prompt::REQUEST&) {
-                     prompt::ANSWER answer;
-                     answer.accepted = true;
-                     answer.int_value = value;
-                     return answer;
-                 });
+    return queue(
+        QStringLiteral("integer %1").arg(value),
+        [](prompt::KIND kind) { return kind == prompt::KIND::GET_INT; },
+        [value](const prompt::REQUEST&) {
+            prompt::ANSWER answer;
+            answer.accepted = true;
+            answer.int_value = value;
+            return answer;
+        });
 }
 
 SCRIPTED_PROMPT& SCRIPTED_PROMPT::real(double value)
 {
-    return queue(QStringLiteral("real %1").arg(value),
-                 [](prompt::KIND kind) { return kind == prompt::KIND::GET_DOUBLE; },
-                 [value](const prompt::REQUEST&) {
-                     prompt::ANSWER answer;
-                     answer.accepted = true;
-                     answer.double_value = value;
-                     return answer;
-                 });
+    return queue(
+        QStringLiteral("real %1").arg(value),
+        [](prompt::KIND kind) { return kind == prompt::KIND::GET_DOUBLE; },
+        [value](const prompt::REQUEST&) {
+            prompt::ANSWER answer;
+            answer.accepted = true;
+            answer.double_value = value;
+            return answer;
+        });
 }
 
 SCRIPTED_PROMPT& SCRIPTED_PROMPT::color(const QColor& value)
 {
-    return queue(QStringLiteral("color %1").arg(value.name()),
-                 [](prompt::KIND kind) { return kind == prompt::KIND::GET_COLOR; },
-                 [value](const prompt::REQUEST&) {
-                     prompt::ANSWER answer;
-                     answer.accepted = value.isValid();
-                     answer.color = value;
-                     return answer;
-                 });
+    return queue(
+        QStringLiteral("color %1").arg(value.name()),
+        [](prompt::KIND kind) { return kind == prompt::KIND::GET_COLOR; },
+        [value](const prompt::REQUEST&) {
+            prompt::ANSWER answer;
+            answer.accepted = value.isValid();
+            answer.color = value;
+            return answer;
+        });
 }
 
 SCRIPTED_PROMPT& SCRIPTED_PROMPT::cancel()
 {
-    return queue(QStringLiteral("cancel"), [](prompt::KIND kind) { return !prompt::is_message_box(kind); },
-                 [](const prompt::REQUEST& request) {
-                     prompt::ANSWER answer;
-                     answer.dialog_result = QDialog::Rejected;
-                     if (request.kind == prompt::KIND::EXEC_DIALOG && request.dialog)
-                     {
-                         request.dialog->reject();
-                         answer.dialog_result = request.dialog->result();
-                     }
-                     return answer;
-                 });
+    return queue(
+        QStringLiteral("cancel"), [](prompt::KIND kind) { return !prompt::is_message_box(kind); },
+        [](const prompt::REQUEST& request) {
+            prompt::ANSWER answer;
+            answer.dialog_result = QDialog::Rejected;
+            if (request.kind == prompt::KIND::EXEC_DIALOG && request.dialog)
+            {
+                request.dialog->reject();
+                answer.dialog_result = request.dialog->result();
+            }
+            return answer;
+        });
 }
 
 SCRIPTED_PROMPT& SCRIPTED_PROMPT::accept_dialog(const DIALOG_FILL& fill)
@@ -167,54 +172,57 @@ SCRIPTED_PROMPT& SCRIPTED_PROMPT::reject_dialog(const DIALOG_FILL& fill)
 
 SCRIPTED_PROMPT& SCRIPTED_PROMPT::dialog(const std::function<int(QDialog&)>& script)
 {
-    return queue(QStringLiteral("dialog"), [](prompt::KIND kind) { return kind == prompt::KIND::EXEC_DIALOG; },
-                 [script](const prompt::REQUEST& request) {
-                     prompt::ANSWER answer;
-                     if (request.dialog)
-                     {
-                         answer.dialog_result = script(*request.dialog);
-                         answer.accepted = answer.dialog_result != QDialog::Rejected;
-                     }
-                     return answer;
-                 });
+    return queue(
+        QStringLiteral("dialog"), [](prompt::KIND kind) { return kind == prompt::KIND::EXEC_DIALOG; },
+        [script](const prompt::REQUEST& request) {
+            prompt::ANSWER answer;
+            if (request.dialog)
+            {
+                answer.dialog_result = script(*request.dialog);
+                answer.accepted = answer.dialog_result != QDialog::Rejected;
+            }
+            return answer;
+        });
 }
 
 SCRIPTED_PROMPT& SCRIPTED_PROMPT::menu_action(const QString& action_text)
 {
-    return queue(QStringLiteral("menu action \"%1\"").arg(action_text),
-                 [](prompt::KIND kind) { return kind == prompt::KIND::EXEC_MENU; },
-                 [this, action_text](const prompt::REQUEST& request) {
-                     prompt::ANSWER answer;
-                     const QList<QAction*> actions = request.menu ? request.menu->actions() : QList<QAction*>();
-                     for (QAction* action : actions)
-                     {
-                         if (!action->isSeparator() && plain(action->text()) == plain(action_text))
-                         {
-                             answer.action = action;
-                             break;
-                         }
-                     }
-                     if (!answer.action)
-                     {
-                         error(QStringLiteral("the menu has no action \"%1\"").arg(action_text));
-                         return answer;
-                     }
-                     if (!answer.action->isEnabled())
-                     {
-                         // A disabled item cannot be chosen: the menu closes with nothing.
-                         error(QStringLiteral("the menu action \"%1\" is disabled").arg(action_text));
-                         answer.action = nullptr;
-                         return answer;
-                     }
-                     answer.accepted = true;
-                     answer.action->activate(QAction::Trigger);
-                     return answer;
-                 });
+    return queue(
+        QStringLiteral("menu action \"%1\"").arg(action_text),
+        [](prompt::KIND kind) { return kind == prompt::KIND::EXEC_MENU; },
+        [this, action_text](const prompt::REQUEST& request) {
+            prompt::ANSWER answer;
+            const QList<QAction*> actions = request.menu ? request.menu->actions() : QList<QAction*>();
+            for (QAction* action : actions)
+            {
+                if (!action->isSeparator() && plain(action->text()) == plain(action_text))
+                {
+                    answer.action = action;
+                    break;
+                }
+            }
+            if (!answer.action)
+            {
+                error(QStringLiteral("the menu has no action \"%1\"").arg(action_text));
+                return answer;
+            }
+            if (!answer.action->isEnabled())
+            {
+                // A disabled item cannot be chosen: the menu closes with nothing.
+                error(QStringLiteral("the menu action \"%1\" is disabled").arg(action_text));
+                answer.action = nullptr;
+                return answer;
+            }
+            answer.accepted = true;
+            answer.action->activate(QAction::Trigger);
+            return answer;
+        });
 }
 
 SCRIPTED_PROMPT& SCRIPTED_PROMPT::custom(const SCRIPT& script)
 {
-    return queue(QStringLiteral("custom"), [](prompt::KIND) { return true; }, script);
+    return queue(
+        QStringLiteral("custom"), [](prompt::KIND) { return true; }, script);
 }
 
 QStringList SCRIPTED_PROMPT::titles() const
@@ -273,7 +281,8 @@ prompt::ANSWER SCRIPTED_PROMPT::ask(const prompt::REQUEST& request)
     m_queue.pop_front();
     if (!step.fits(request.kind))
     {
-        error(QStringLiteral("%1 was asked, but the script says %2").arg(describe(request), step.description));
+        error(
+            QStringLiteral("%1 was asked, but the script says %2").arg(describe(request), step.description));
         return cancelled;
     }
     return step.script(request);

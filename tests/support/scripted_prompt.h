@@ -35,8 +35,8 @@ public:
     struct RECORD
     {
         prompt::KIND kind = prompt::KIND::QUESTION;
-        QString title;        // window title or caption; for exec(dialog) the dialog's title
-        QString text;         // message text or input label
+        QString title; // window title or caption; for exec(dialog) the dialog's title
+        QString text;  // message text or input label
         QMessageBox::StandardButtons buttons;
         QMessageBox::StandardButton default_button = QMessageBox::NoButton;
         QString initial_text; // preset text or starting directory

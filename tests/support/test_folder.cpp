@@ -16,10 +16,7 @@ QString template_path()
 }
 } // namespace
 
-TEST_FOLDER::TEST_FOLDER()
-    : m_dir(template_path())
-{
-}
+TEST_FOLDER::TEST_FOLDER() : m_dir(template_path()) {}
 
 QString TEST_FOLDER::file(const QString& relative) const
 {

@@ -23,7 +23,8 @@ public:
     ~AEPI_WIDGET_NOTIFIER() override;
 
 signals:
-    void signal_plugin_widget_created(APP_EXTENSION_PLUGIN_INTERFACE& plugin, std::shared_ptr<QWidget> widget);
+    void signal_plugin_widget_created(APP_EXTENSION_PLUGIN_INTERFACE& plugin,
+                                      std::shared_ptr<QWidget> widget);
 };
 
 Q_DECLARE_METATYPE(std::shared_ptr<QWidget>)

@@ -25,14 +25,9 @@ QString normalised(const QString& path)
 }
 } // namespace
 
-PROJECT_PATHS::PROJECT_PATHS()
-    : PROJECT_PATHS(current())
-{
-}
+PROJECT_PATHS::PROJECT_PATHS() : PROJECT_PATHS(current()) {}
 
-PROJECT_PATHS::PROJECT_PATHS(NONE)
-{
-}
+PROJECT_PATHS::PROJECT_PATHS(NONE) {}
 
 PROJECT_PATHS PROJECT_PATHS::none()
 {

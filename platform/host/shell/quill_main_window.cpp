@@ -19,8 +19,7 @@
 #include <QtWidgets/QMenuBar>
 #include <QtWidgets/QVBoxLayout>
 
-QUILL_MAIN_WINDOW::QUILL_MAIN_WINDOW(QWidget* parent)
-    : QMainWindow(parent)
+QUILL_MAIN_WINDOW::QUILL_MAIN_WINDOW(QWidget* parent) : QMainWindow(parent)
 {
     setWindowTitle(QStringLiteral("Quill"));
     setWindowIcon(host_icon());
@@ -111,8 +110,9 @@ void QUILL_MAIN_WINDOW::start(const QUILL_START_OPTIONS& options)
     if (current.is_configured())
     {
         log(QStringLiteral("Project: binaries in %1").arg(current.binaries_path));
-        for (const QString& folder : {current.binaries_path, current.design_data_path, current.csv_import_path,
-                                      current.connection_path, current.working_data_path})
+        for (const QString& folder :
+             {current.binaries_path, current.design_data_path, current.csv_import_path,
+              current.connection_path, current.working_data_path})
         {
             if (!folder.isEmpty() && !QFileInfo(folder).isDir())
                 log(QStringLiteral("Project folder %1 does not exist").arg(folder));
@@ -148,8 +148,8 @@ void QUILL_MAIN_WINDOW::build_plugin_menus()
 {
     for (const auto& plugin : m_plugins.plugins())
     {
-        const QString name =
-            plugin->description.name.isEmpty() ? QFileInfo(plugin->file).baseName() : plugin->description.name;
+        const QString name = plugin->description.name.isEmpty() ? QFileInfo(plugin->file).baseName()
+                                                                : plugin->description.name;
         auto* menu = new QMenu(name, menuBar());
         menu->setIcon(plugin->description.icon);
         menu->addActions(plugin->actions);
@@ -157,7 +157,8 @@ void QUILL_MAIN_WINDOW::build_plugin_menus()
         menuBar()->insertMenu(m_help_menu->menuAction(), menu);
         m_plugin_menus << menu;
         if (!plugin->description.categories.isEmpty())
-            log(QStringLiteral("%1: %2").arg(name, plugin->description.categories.join(QStringLiteral(", "))));
+            log(QStringLiteral("%1: %2").arg(name,
+                                             plugin->description.categories.join(QStringLiteral(", "))));
     }
 }
 
@@ -183,9 +184,10 @@ void QUILL_MAIN_WINDOW::show_about()
     QStringList names;
     for (const auto& plugin : m_plugins.plugins())
         names << plugin->description.name;
-    prompt::information(this, QStringLiteral("About Quill"),
-                        QStringLiteral("Quill, the tool shell.\n\nPlugins: %1")
-                            .arg(names.isEmpty() ? QStringLiteral("none") : names.join(QStringLiteral(", "))));
+    prompt::information(
+        this, QStringLiteral("About Quill"),
+        QStringLiteral("Quill, the tool shell.\n\nPlugins: %1")
+            .arg(names.isEmpty() ? QStringLiteral("none") : names.join(QStringLiteral(", "))));
 }
 
 void QUILL_MAIN_WINDOW::closeEvent(QCloseEvent* event)

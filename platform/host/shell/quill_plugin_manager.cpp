@@ -19,10 +19,7 @@ QUILL_PLUGIN_MANAGER::PLUGIN::~PLUGIN()
     qDeleteAll(actions);
 }
 
-QUILL_PLUGIN_MANAGER::QUILL_PLUGIN_MANAGER(QObject* parent)
-    : QObject(parent)
-{
-}
+QUILL_PLUGIN_MANAGER::QUILL_PLUGIN_MANAGER(QObject* parent) : QObject(parent) {}
 
 QUILL_PLUGIN_MANAGER::~QUILL_PLUGIN_MANAGER()
 {
@@ -171,7 +168,8 @@ bool QUILL_PLUGIN_MANAGER::eventFilter(QObject* watched, QEvent* event)
         if (!entry.plugin->extension->can_close())
         {
             event->ignore();
-            emit logged(QStringLiteral("%1 keeps \"%2\" open").arg(name_of(*entry.plugin), entry.widget->windowTitle()));
+            emit logged(QStringLiteral("%1 keeps \"%2\" open")
+                            .arg(name_of(*entry.plugin), entry.widget->windowTitle()));
             return true;
         }
         // Dropped once the widget has handled its close: it may still refuse,

@@ -77,9 +77,10 @@ bool QUILL_PROJECT_FILE::parse(const QString& text, const QString& base_folder, 
             result.working_data_paths << absolute;
         else
         {
-            error = QStringLiteral("%1: unknown key '%2' (known: binaries, design_data, csv_import, connection, "
-                                   "working_data)")
-                        .arg(where, key);
+            error =
+                QStringLiteral("%1: unknown key '%2' (known: binaries, design_data, csv_import, connection, "
+                               "working_data)")
+                    .arg(where, key);
             return false;
         }
     }

@@ -8,32 +8,40 @@ namespace
 {
 struct OPTIONS
 {
-    QCommandLineOption project{QStringLiteral("project"),
-                               QStringLiteral("The project file (quill-project.ini), or the folder holding it."),
-                               QStringLiteral("file")};
+    QCommandLineOption project{
+        QStringLiteral("project"),
+        QStringLiteral("The project file (quill-project.ini), or the folder holding it."),
+        QStringLiteral("file")};
     QCommandLineOption binaries{QStringLiteral("binaries"), QStringLiteral("The project's binaries folder."),
                                 QStringLiteral("folder")};
     QCommandLineOption design_data{QStringLiteral("design-data"),
-                                   QStringLiteral("The project's design data folder."), QStringLiteral("folder")};
-    QCommandLineOption csv_import{QStringLiteral("csv-import"), QStringLiteral("The project's CSV import folder."),
+                                   QStringLiteral("The project's design data folder."),
+                                   QStringLiteral("folder")};
+    QCommandLineOption csv_import{QStringLiteral("csv-import"),
+                                  QStringLiteral("The project's CSV import folder."),
                                   QStringLiteral("folder")};
-    QCommandLineOption connection{QStringLiteral("connection"), QStringLiteral("The project's connection folder."),
+    QCommandLineOption connection{QStringLiteral("connection"),
+                                  QStringLiteral("The project's connection folder."),
                                   QStringLiteral("folder")};
-    QCommandLineOption working_data{QStringLiteral("working-data"),
-                                    QStringLiteral("A working data folder; repeat for more, the first is in use."),
-                                    QStringLiteral("folder")};
-    QCommandLineOption plugins{QStringLiteral("plugins"),
-                               QStringLiteral("Load plugins from this folder instead of the one next to quill."),
-                               QStringLiteral("folder")};
+    QCommandLineOption working_data{
+        QStringLiteral("working-data"),
+        QStringLiteral("A working data folder; repeat for more, the first is in use."),
+        QStringLiteral("folder")};
+    QCommandLineOption plugins{
+        QStringLiteral("plugins"),
+        QStringLiteral("Load plugins from this folder instead of the one next to quill."),
+        QStringLiteral("folder")};
     QCommandLineOption full{QStringLiteral("full"),
                             QStringLiteral("Full configuration: plugins show every command they have.")};
 
     void add_to(QCommandLineParser& parser) const
     {
-        parser.setApplicationDescription(QStringLiteral("Quill, the tool shell: opens a project and its plugins."));
+        parser.setApplicationDescription(
+            QStringLiteral("Quill, the tool shell: opens a project and its plugins."));
         parser.addHelpOption();
         parser.addVersionOption();
-        parser.addOptions({project, binaries, design_data, csv_import, connection, working_data, plugins, full});
+        parser.addOptions(
+            {project, binaries, design_data, csv_import, connection, working_data, plugins, full});
     }
 };
 } // namespace
@@ -50,7 +58,8 @@ bool QUILL_START_OPTIONS::parse(const QStringList& arguments, QUILL_START_OPTION
     }
     if (!parser.positionalArguments().isEmpty())
     {
-        error = QStringLiteral("Unexpected argument '%1'; see --help").arg(parser.positionalArguments().first());
+        error =
+            QStringLiteral("Unexpected argument '%1'; see --help").arg(parser.positionalArguments().first());
         return false;
     }
     QUILL_START_OPTIONS result;
