@@ -44,8 +44,9 @@ function(orbin_add_plugin name)
     set(P_OUTPUT_DIRECTORY ${ORBIN_PLUGIN_DIR})
   endif()
   add_library(${name} MODULE ${P_SOURCES})
+  # No precompiled header: a plugin module is a thin skin of a file or two
+  # over libraries that have theirs.
   target_link_libraries(${name} PRIVATE quill_host_api Qt5::Core Qt5::Gui Qt5::Widgets ${P_LIBS})
-  target_precompile_headers(${name} PRIVATE ${ORBIN_PCH_WIDGETS})
   set_target_properties(${name} PROPERTIES
     LIBRARY_OUTPUT_DIRECTORY ${P_OUTPUT_DIRECTORY}
     LINK_DEPENDS ${ORBIN_PLUGIN_EXPORTS})

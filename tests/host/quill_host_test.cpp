@@ -270,6 +270,25 @@ private slots:
         QCOMPARE(plugin.actions.size(), 1);
         QCOMPARE(plugin.actions.first()->text(), QStringLiteral("ORBIN - Database Visual Editor"));
     }
+
+    // The plugin module exports Qt's two entry points and nothing else, so
+    // the static libraries inside it never clash with another module's.
+    void orbin_plugin_exports_only_the_entry_points()
+    {
+        QProcess nm;
+        nm.start(QStringLiteral("nm"), {"-D", "--defined-only", QStringLiteral(ORBIN_PLUGIN_FILE)});
+        if (!nm.waitForFinished(30000) || nm.exitStatus() != QProcess::NormalExit || nm.exitCode() != 0)
+            QSKIP("nm is not available here");
+        QStringList symbols;
+        for (const QString& line : QString::fromLocal8Bit(nm.readAllStandardOutput()).split('\n'))
+        {
+            const QStringList fields = line.split(' ', Qt::SkipEmptyParts);
+            if (fields.size() == 3 && fields[1] != "A")
+                symbols << fields[2];
+        }
+        symbols.sort();
+        QCOMPARE(symbols, QStringList({"qt_plugin_instance", "qt_plugin_query_metadata"}));
+    }
 };
 
 QTEST_MAIN(QUILL_HOST_TEST)
