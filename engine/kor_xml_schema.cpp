@@ -419,6 +419,9 @@ bool KOR_XML_QUERY_INTERFACE_PRIVATE::add_table(QString& error, const KOR_TABLE_
     if (!new_schema.is_valid(errors, true))
         return fail(error, errors.join(QLatin1Char('\n')));
     const QString name = new_schema.get_table_name();
+    // Files whose names begin with "Veld" are the database's own, never tables.
+    if (name.startsWith(QLatin1String("Veld")))
+        return fail(error, QStringLiteral("Table names may not begin with 'Veld' ('%1')").arg(name));
     if (schema->table_schema_ignoring_case(name))
         return fail(error, QStringLiteral("Table already exists with the name '%1'").arg(name));
     for (const KOR_FIELD_SCHEMA* field : new_schema.field_schemas())
@@ -686,6 +689,55 @@ bool KOR_XML_QUERY_INTERFACE::apply_edit_commands(const QString& file, bool quie
         d->fail(items.last_error());
         return false;
     }
+    // What later commands of the file undo or replace: an addition that a
+    // later removal takes away again, a change that a later change of the
+    // same attribute overrides. Such commands are passed over, so that a
+    // file applied twice changes nothing the second time.
+    auto field_key = [](const UPDATE_COMMAND_ITEM* item)
+    {
+        return item->field_uuid().isNull() ? item->table_name() + QLatin1Char('.') + item->field_name()
+                                           : item->field_uuid().toString();
+    };
+    QVector<bool> removed_later(items.command_count(), false);
+    QVector<bool> overridden(items.command_count(), false);
+    {
+        QSet<QString> removed_tables;
+        QSet<QString> removed_fields;
+        QSet<QString> changed;
+        for (int i = items.command_count() - 1; i >= 0; --i)
+        {
+            const UPDATE_COMMAND_ITEM* item = items.item_at(i);
+            const QString table = item->table_name();
+            QString key = field_key(item);
+            if (item->command_type == UPDATE_COMMAND_ITEM::UCT_ADD_FIELD && item->field_schema())
+                key = item->field_schema()->field_unique_id().toString();
+            removed_later[i] = removed_tables.contains(table) || removed_fields.contains(key);
+            QString change_key;
+            switch (item->command_type)
+            {
+            case UPDATE_COMMAND_ITEM::UCT_REMOVE_TABLE:
+                removed_tables.insert(table);
+                break;
+            case UPDATE_COMMAND_ITEM::UCT_REMOVE_FIELD:
+                removed_fields.insert(key);
+                break;
+            case UPDATE_COMMAND_ITEM::UCT_CHANGE_FIELD:
+                change_key = key + QLatin1Char('/') + QString::number(item->metafield());
+                break;
+            case UPDATE_COMMAND_ITEM::UCT_REORDER_FIELDS:
+            case UPDATE_COMMAND_ITEM::UCT_CHANGE_TABLE:
+                change_key = table + QLatin1Char('/') + QString::number(item->command_type);
+                break;
+            default:
+                break;
+            }
+            if (!change_key.isEmpty())
+            {
+                overridden[i] = changed.contains(change_key);
+                changed.insert(change_key);
+            }
+        }
+    }
     for (int i = 0; i < items.command_count(); ++i)
     {
         const UPDATE_COMMAND_ITEM* item = items.item_at(i);
@@ -705,6 +757,23 @@ bool KOR_XML_QUERY_INTERFACE::apply_edit_commands(const QString& file, bool quie
                     field = current->field_schema_by_uuid(item->field_uuid());
                     if (!field && !item->field_name().isEmpty())
                         field = current->field_schema_by_name(item->field_name());
+                }
+                if (overridden[i])
+                {
+                    skipped = QStringLiteral("a later command changes the same");
+                    return true;
+                }
+                const bool field_absent =
+                    !field && !(current && item->field_schema() &&
+                                current->field_schema_by_uuid(item->field_schema()->field_unique_id()));
+                const bool table_command = item->command_type == UPDATE_COMMAND_ITEM::UCT_ADD_TABLE ||
+                                           item->command_type == UPDATE_COMMAND_ITEM::UCT_REMOVE_TABLE ||
+                                           item->command_type == UPDATE_COMMAND_ITEM::UCT_REORDER_FIELDS ||
+                                           item->command_type == UPDATE_COMMAND_ITEM::UCT_CHANGE_TABLE;
+                if (removed_later[i] && (!current || (!table_command && field_absent)))
+                {
+                    skipped = QStringLiteral("a later command removes it again");
+                    return true;
                 }
                 if (item->command_type != UPDATE_COMMAND_ITEM::UCT_ADD_TABLE &&
                     item->command_type != UPDATE_COMMAND_ITEM::UCT_REMOVE_TABLE && !current)
@@ -758,7 +827,15 @@ bool KOR_XML_QUERY_INTERFACE::apply_edit_commands(const QString& file, bool quie
                                             {}, {field->field_name()}, {}, nullptr, user, description);
                 case UPDATE_COMMAND_ITEM::UCT_REORDER_FIELDS:
                 {
-                    const QStringList order = item->new_value().toStringList();
+                    // Fields the command names that this table lacks are left
+                    // out; fields it does not name keep their order behind.
+                    QStringList order;
+                    for (const QString& name : item->new_value().toStringList())
+                        if (current->field_schemas().contains(name))
+                            order.append(name);
+                    for (const QString& name : current->column_ordering())
+                        if (!order.contains(name))
+                            order.append(name);
                     if (order == current->column_ordering())
                     {
                         skipped = QStringLiteral("the fields of '%1' are in that order").arg(table_name);
