@@ -8,11 +8,12 @@
 #include "kor_table_data.h"
 #include "kor_table_schema.h"
 #include "kor_xml_query_interface.h"
-#include "orbin_settings.h"
+#include "veld_data.h"
 #include "veld_field_relationship_text.h"
 #include "veld_field_value_validator.h"
 #include "veld_table_data_view_sort_model.h"
 #include "veld_table_model_questions.h"
+#include "veld_options.h"
 
 #include <QColor>
 #include <QItemSelectionModel>
@@ -22,26 +23,19 @@ const QString VELD_TABLE_DATA_VIEW_MODEL::new_record_key = QStringLiteral("@@NEW
 namespace
 {
 const QColor deleted_row_colour(255, 40, 40);
-
-// A colour of the "tables" options, read on every call so that a change of
-// the options shows at once.
-QColor option_colour(const QString& default_key, const QString& colour_key, const QColor& default_colour)
-{
-    ORBIN_SETTINGS settings(QStringLiteral("Northfold\\Quill\\Veld\\Options"));
-    settings.beginGroup(QStringLiteral("tables"));
-    if (settings.value(default_key, true).toBool())
-        return default_colour;
-    const QVariant stored = settings.value(colour_key);
-    if (!stored.isValid())
-        return QColor(Qt::white);
-    return stored.value<QColor>();
-}
 } // namespace
 
 VELD_TABLE_DATA_VIEW_MODEL::VELD_TABLE_DATA_VIEW_MODEL(const QString& table_key, bool right_aligned_row_numbers,
                                                        QObject* parent)
     : QAbstractTableModel(parent), m_table_key(table_key), m_right_aligned_row_numbers(right_aligned_row_numbers)
 {
+}
+
+VELD_TABLE_DATA_VIEW_MODEL::VELD_TABLE_DATA_VIEW_MODEL(const QString& table_key, VELD_DATA* session,
+                                                       bool right_aligned_row_numbers, QObject* parent)
+    : VELD_TABLE_DATA_VIEW_MODEL(table_key, right_aligned_row_numbers, parent)
+{
+    m_session = session;
 }
 
 VELD_TABLE_DATA_VIEW_MODEL::VELD_TABLE_DATA_VIEW_MODEL(const QString& table_key,
@@ -56,7 +50,7 @@ VELD_TABLE_DATA_VIEW_MODEL::~VELD_TABLE_DATA_VIEW_MODEL() = default;
 
 KOR_XML_QUERY_INTERFACE* VELD_TABLE_DATA_VIEW_MODEL::query_interface() const
 {
-    return m_query_interface;
+    return m_session ? m_session->query_interface() : m_query_interface;
 }
 
 // ---------------------------------------------------------------------------
@@ -322,11 +316,9 @@ QVariant VELD_TABLE_DATA_VIEW_MODEL::decoration_value(const QModelIndex& index) 
     if (is_any_deleted_row(row))
         colour = deleted_row_colour;
     else if (has_flag(row, NEW_COLOURED_ROW))
-        colour = option_colour(QStringLiteral("new_cell_is_default"), QStringLiteral("new_cell_colour"),
-                               QColor(98, 245, 0));
+        colour = VELD_OPTIONS::new_cell_colour();
     else if (m_altered_cells.contains(cell_key(row, index.column())))
-        colour = option_colour(QStringLiteral("altered_cell_is_default"), QStringLiteral("altered_cell_colour"),
-                               QColor(245, 224, 0));
+        colour = VELD_OPTIONS::altered_cell_colour();
     else
         return QVariant();
 

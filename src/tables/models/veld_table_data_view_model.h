@@ -51,6 +51,10 @@ public:
     // The key prefix of rows the user added: "@@NEW_RECORD@@" and a number.
     static const QString new_record_key;
 
+    // A model of the table on the session's main query interface, whichever
+    // it is at the time of each call.
+    VELD_TABLE_DATA_VIEW_MODEL(const QString& table_key, VELD_DATA* session,
+                               bool right_aligned_row_numbers = false, QObject* parent = nullptr);
     // A model of the table on a given query interface (a mirror, a tool).
     VELD_TABLE_DATA_VIEW_MODEL(const QString& table_key, KOR_XML_QUERY_INTERFACE* query_interface,
                                bool right_aligned_row_numbers = false, QObject* parent = nullptr);
