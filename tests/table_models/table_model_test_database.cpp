@@ -5,6 +5,9 @@
 #include "kor_table_data.h"
 #include "test_database_builder.h"
 
+#include <QFile>
+#include <QRegularExpression>
+
 namespace
 {
 TEST_FIELD key_part(const QString& name)
@@ -98,4 +101,37 @@ int TABLE_MODEL_TEST_DATABASE::record_count_on_disk(const QString& table) const
     QString error;
     const KOR_TABLE_DATA* data = reader.get_table_data(error, table);
     return data ? data->record_count() : -1;
+}
+
+bool TABLE_MODEL_TEST_DATABASE::set_modification_times(const QString& table, const QStringList& times)
+{
+    if (!m_engine->disconnect().isEmpty())
+        return false;
+    QFile file(m_path + QLatin1Char('/') + table + QStringLiteral(".xml"));
+    if (!file.open(QIODevice::ReadOnly))
+        return false;
+    QString text = QString::fromUtf8(file.readAll());
+    file.close();
+    const QRegularExpression record(QStringLiteral("<record uuid=\"([^\"]+)\"( modified=\"[^\"]*\")?>"));
+    QString rewritten;
+    int position = 0;
+    int index = 0;
+    auto match = record.globalMatch(text);
+    while (match.hasNext())
+    {
+        const QRegularExpressionMatch found = match.next();
+        rewritten += text.midRef(position, found.capturedStart() - position);
+        const QString time = index < times.size() ? times.at(index) : QString();
+        rewritten += QStringLiteral("<record uuid=\"") + found.captured(1) + QLatin1Char('"') +
+                     (time.isEmpty() ? QString() : QStringLiteral(" modified=\"") + time + QLatin1Char('"')) +
+                     QLatin1Char('>');
+        position = found.capturedEnd();
+        ++index;
+    }
+    rewritten += text.midRef(position);
+    if (!file.open(QIODevice::WriteOnly | QIODevice::Truncate))
+        return false;
+    file.write(rewritten.toUtf8());
+    file.close();
+    return m_engine->connect_without_merge(m_path, false).isEmpty();
 }
