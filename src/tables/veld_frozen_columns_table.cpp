@@ -1,6 +1,7 @@
 #include "veld_frozen_columns_table.h"
 
 #include "prompt.h"
+#include "veld_options.h"
 
 #include <QHeaderView>
 #include <QMenu>
@@ -22,6 +23,7 @@ VELD_FROZEN_COLUMNS_TABLE::VELD_FROZEN_COLUMNS_TABLE(QAbstractItemModel* model, 
     setHorizontalScrollMode(QAbstractItemView::ScrollPerPixel);
     setVerticalScrollMode(QAbstractItemView::ScrollPerPixel);
     viewport()->stackUnder(m_frozen_view);
+    refresh_frozen_style();
     m_frozen_view->hide();
 
     horizontalHeader()->setContextMenuPolicy(Qt::CustomContextMenu);
@@ -58,6 +60,11 @@ VELD_FROZEN_COLUMNS_TABLE::VELD_FROZEN_COLUMNS_TABLE(QAbstractItemModel* model, 
 }
 
 VELD_FROZEN_COLUMNS_TABLE::~VELD_FROZEN_COLUMNS_TABLE() = default;
+
+void VELD_FROZEN_COLUMNS_TABLE::refresh_frozen_style()
+{
+    m_frozen_view->setStyleSheet(VELD_OPTIONS::frozen_stylesheet());
+}
 
 void VELD_FROZEN_COLUMNS_TABLE::setModel(QAbstractItemModel* model)
 {

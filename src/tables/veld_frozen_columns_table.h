@@ -29,6 +29,8 @@ public:
     // The logical column the last header context menu was opened on, -1 for none.
     int menu_column() const { return m_menu_column; }
 
+    // Gives the overlay the frozen-column colours of the options again.
+    void refresh_frozen_style();
     // Puts the overlay over the frozen columns again; after any change of columns.
     void update_frozen_geometry();
     // Moves the frozen columns back to the front, in the order they were
