@@ -429,6 +429,11 @@ void VELD_TABLE_DATA_VIEW_MODEL::set_proxy(VELD_TABLE_DATA_VIEW_SORT_MODEL* prox
     m_proxy = proxy;
 }
 
+VELD_TABLE_DATA_VIEW_SORT_MODEL* VELD_TABLE_DATA_VIEW_MODEL::proxy() const
+{
+    return m_proxy;
+}
+
 void VELD_TABLE_DATA_VIEW_MODEL::set_selection_model(QItemSelectionModel* selection_model)
 {
     m_selection_model = selection_model;

@@ -133,7 +133,7 @@ public:
     // The proxy whose row numbers the row header shows. The proxy sets itself
     // when the model becomes its source.
     void set_proxy(VELD_TABLE_DATA_VIEW_SORT_MODEL* proxy);
-    VELD_TABLE_DATA_VIEW_SORT_MODEL* proxy() const { return m_proxy; }
+    VELD_TABLE_DATA_VIEW_SORT_MODEL* proxy() const;
     // The view's selection (on the proxy): selected cells get darker colours.
     void set_selection_model(QItemSelectionModel* selection_model);
 
