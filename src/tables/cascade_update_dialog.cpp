@@ -10,7 +10,8 @@
 
 #include <algorithm>
 
-CASCADE_UPDATE_DIALOG::CASCADE_UPDATE_DIALOG(VELD_DATA* session, const QMap<QString, QSet<QString>>& references,
+CASCADE_UPDATE_DIALOG::CASCADE_UPDATE_DIALOG(VELD_DATA* session,
+                                             const QMap<QString, QSet<QString>>& references,
                                              QWidget* parent_editor, bool view_only)
     : QDialog(parent_editor), m_view_only(view_only), m_session(session), m_parent_editor(parent_editor)
 {
@@ -18,7 +19,8 @@ CASCADE_UPDATE_DIALOG::CASCADE_UPDATE_DIALOG(VELD_DATA* session, const QMap<QStr
     setWindowTitle(QStringLiteral("Cascade Update?"));
 
     m_question = new QLabel(
-        QStringLiteral("This field is referenced by the following tables and records, update these at the same time?"),
+        QStringLiteral(
+            "This field is referenced by the following tables and records, update these at the same time?"),
         this);
     m_question->setObjectName(QStringLiteral("questionLabel"));
     m_question->setWordWrap(true);
@@ -121,6 +123,7 @@ void CASCADE_UPDATE_DIALOG::open_table_with_item(const QModelIndex& index)
     QModelIndex table = index;
     while (table.parent().isValid())
         table = table.parent();
-    QMetaObject::invokeMethod(m_parent_editor, "focus_on_row_in_table", Q_ARG(QString, table.data().toString()),
+    QMetaObject::invokeMethod(m_parent_editor, "focus_on_row_in_table",
+                              Q_ARG(QString, table.data().toString()),
                               Q_ARG(QString, index.data().toString()), Q_ARG(bool, false));
 }

@@ -20,7 +20,8 @@ QToolButton* tool_button(QWidget* parent, const char* object_name, const QString
 }
 } // namespace
 
-VELD_RegexFilterWidget::VELD_RegexFilterWidget(const QStringList& column_names, QWidget* parent) : QWidget(parent)
+VELD_RegexFilterWidget::VELD_RegexFilterWidget(const QStringList& column_names, QWidget* parent)
+    : QWidget(parent)
 {
     setObjectName(QStringLiteral("regexFilterWidget"));
     m_expression.setCaseSensitivity(Qt::CaseInsensitive);
@@ -47,13 +48,14 @@ VELD_RegexFilterWidget::VELD_RegexFilterWidget(const QStringList& column_names, 
 
     m_pattern = new QLineEdit(this);
     m_pattern->setObjectName(QStringLiteral("patternLineEdit"));
-    m_pattern->setToolTip(QStringLiteral("Insert a wildcard, regexp, or plaintext pattern to filter rows by here."));
+    m_pattern->setToolTip(
+        QStringLiteral("Insert a wildcard, regexp, or plaintext pattern to filter rows by here."));
 
     auto* syntax_label = new QLabel(QStringLiteral("Syntax:"), this);
     m_syntax = new QComboBox(this);
     m_syntax->setObjectName(QStringLiteral("syntaxComboBox"));
-    m_syntax->addItems({QStringLiteral("Regular expression"), QStringLiteral("Wildcard"),
-                        QStringLiteral("Fixed string")});
+    m_syntax->addItems(
+        {QStringLiteral("Regular expression"), QStringLiteral("Wildcard"), QStringLiteral("Fixed string")});
     m_syntax->setToolTip(QStringLiteral("Select the syntax the pattern is using"));
     syntax_label->setBuddy(m_syntax);
 
@@ -183,7 +185,8 @@ void VELD_RegexFilterWidget::onCsStateChanged(int checkState)
 
 void VELD_RegexFilterWidget::onSyntaxStateChanged(int comboIndex)
 {
-    static const QRegExp::PatternSyntax syntaxes[] = {QRegExp::RegExp, QRegExp::Wildcard, QRegExp::FixedString};
+    static const QRegExp::PatternSyntax syntaxes[] = {QRegExp::RegExp, QRegExp::Wildcard,
+                                                      QRegExp::FixedString};
     if (comboIndex >= 0 && comboIndex < 3)
         m_expression.setPatternSyntax(syntaxes[comboIndex]);
     changed();

@@ -30,8 +30,7 @@ public slots:
 
 const QMap<QString, QSet<QString>> references{{"units", {"velites", "hastati"}}, {"armies", {"first"}}};
 
-template <typename T>
-T* child(QWidget& widget, const char* name)
+template <typename T> T* child(QWidget& widget, const char* name)
 {
     return widget.findChild<T*>(QLatin1String(name));
 }
@@ -66,9 +65,10 @@ void CASCADE_UPDATE_DIALOG_TEST::lists_references_by_table_and_key()
     QVERIFY(tree->alternatingRowColors());
     QCOMPARE(dialog.reference_count(), 3);
     QCOMPARE(child<QLabel>(dialog, "referenceCountLabel")->text(), QStringLiteral("3"));
-    QCOMPARE(child<QLabel>(dialog, "questionLabel")->text(),
-             QStringLiteral("This field is referenced by the following tables and records, update these at the "
-                            "same time?"));
+    QCOMPARE(
+        child<QLabel>(dialog, "questionLabel")->text(),
+        QStringLiteral("This field is referenced by the following tables and records, update these at the "
+                       "same time?"));
 }
 
 void CASCADE_UPDATE_DIALOG_TEST::decision_data()
@@ -112,7 +112,8 @@ void CASCADE_UPDATE_DIALOG_TEST::view_only_mode_only_lists()
 {
     CASCADE_UPDATE_DIALOG dialog(nullptr, references, nullptr, true);
     QCOMPARE(dialog.windowTitle(), QStringLiteral("References"));
-    for (const char* hidden : {"questionLabel", "applyToAllCheckBox", "updateDependentsButton", "cancelButton"})
+    for (const char* hidden :
+         {"questionLabel", "applyToAllCheckBox", "updateDependentsButton", "cancelButton"})
         QVERIFY2(dialog.findChild<QWidget*>(QLatin1String(hidden))->isHidden(), hidden);
     QVERIFY(!child<QPushButton>(dialog, "okButton")->isHidden());
     child<QPushButton>(dialog, "okButton")->click();

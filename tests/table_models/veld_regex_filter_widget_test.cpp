@@ -36,8 +36,7 @@ const QStringList VELD_REGEX_FILTER_WIDGET_TEST::columns{"unit", "faction", "cos
 
 namespace
 {
-template <typename T>
-T* child(QWidget& widget, const char* name)
+template <typename T> T* child(QWidget& widget, const char* name)
 {
     T* found = widget.findChild<T*>(QLatin1String(name));
     if (!found)
@@ -53,31 +52,42 @@ void VELD_REGEX_FILTER_WIDGET_TEST::form_data()
     QTest::addColumn<QString>("tool_tip");
 
     QTest::newRow("add left") << "addLeftBracketButton"
-                              << "+(" << "Add a left bracket to the expression";
+                              << "+("
+                              << "Add a left bracket to the expression";
     QTest::newRow("remove left") << "removeLeftBracketButton"
-                                 << "-(" << "";
+                                 << "-("
+                                 << "";
     QTest::newRow("not") << "notCheckBox"
-                         << "Not" << "";
+                         << "Not"
+                         << "";
     QTest::newRow("column") << "columnComboBox"
-                            << "unit" << "Select the column to filter by.";
+                            << "unit"
+                            << "Select the column to filter by.";
     QTest::newRow("pattern") << "patternLineEdit"
-                             << "" << "Insert a wildcard, regexp, or plaintext pattern to filter rows by here.";
+                             << ""
+                             << "Insert a wildcard, regexp, or plaintext pattern to filter rows by here.";
     QTest::newRow("syntax") << "syntaxComboBox"
-                            << "Regular expression" << "Select the syntax the pattern is using";
+                            << "Regular expression"
+                            << "Select the syntax the pattern is using";
     QTest::newRow("case") << "caseSensitiveCheckBox"
                           << "Case sensitive"
                           << "Check this box if you want your pattern to be matched case-sensitively against "
                              "the records.";
     QTest::newRow("enabled") << "enabledCheckBox"
-                             << "Enabled" << "";
+                             << "Enabled"
+                             << "";
     QTest::newRow("add right") << "addRightBracketButton"
-                               << "+)" << "Add a right bracket to the expression";
+                               << "+)"
+                               << "Add a right bracket to the expression";
     QTest::newRow("remove right") << "removeRightBracketButton"
-                                  << "-)" << "";
+                                  << "-)"
+                                  << "";
     QTest::newRow("or") << "orCheckBox"
-                        << "Or" << "";
+                        << "Or"
+                        << "";
     QTest::newRow("delete") << "deleteButton"
-                            << "Delete" << "Delete this filter";
+                            << "Delete"
+                            << "Delete this filter";
 }
 
 void VELD_REGEX_FILTER_WIDGET_TEST::form()

@@ -22,7 +22,8 @@ enum UNITS_COLUMN
 // expression.
 struct ROW : VELD_FILTER_ROW
 {
-    ROW(int column, const QString& pattern, bool joins_or = false) : column(column), pattern(pattern), joins_or(joins_or)
+    ROW(int column, const QString& pattern, bool joins_or = false)
+        : column(column), pattern(pattern), joins_or(joins_or)
     {
     }
     int column;
@@ -142,10 +143,10 @@ void VELD_TABLE_DATA_VIEW_SORT_MODEL_TEST::pending_rows_stay_last_in_both_direct
                                     << QStringList{"hastati", "velites", "zz", "aa", "archers"};
     QTest::newRow("text descending") << int(UNIT) << int(Qt::DescendingOrder)
                                      << QStringList{"velites", "hastati", "zz", "aa", "archers"};
-    QTest::newRow("numbers ascending") << int(COST) << int(Qt::AscendingOrder)
-                                       << QStringList{"hastati", "velites", "zz", "aa", "archers"};
-    QTest::newRow("numbers descending") << int(COST) << int(Qt::DescendingOrder)
-                                        << QStringList{"velites", "hastati", "zz", "aa", "archers"};
+    QTest::newRow("numbers ascending")
+        << int(COST) << int(Qt::AscendingOrder) << QStringList{"hastati", "velites", "zz", "aa", "archers"};
+    QTest::newRow("numbers descending")
+        << int(COST) << int(Qt::DescendingOrder) << QStringList{"velites", "hastati", "zz", "aa", "archers"};
 }
 
 void VELD_TABLE_DATA_VIEW_SORT_MODEL_TEST::pending_rows_stay_last_in_both_directions()
@@ -194,7 +195,8 @@ void VELD_TABLE_DATA_VIEW_SORT_MODEL_TEST::foreign_keys_sort_by_shown_or_underly
     VELD_TABLE_DATA_VIEW_MODEL factions(QStringLiteral("factions"), &m_db->engine());
     QString error;
     QVERIFY(factions.load(error));
-    QVERIFY(factions.setData(factions.index(factions.row_of_key(QStringLiteral("rome")), 1), QStringLiteral("Alpha")));
+    QVERIFY(factions.setData(factions.index(factions.row_of_key(QStringLiteral("rome")), 1),
+                             QStringLiteral("Alpha")));
     QVERIFY(factions.apply_changes());
     QVERIFY(m_model->refresh(true));
 
@@ -217,11 +219,11 @@ void VELD_TABLE_DATA_VIEW_SORT_MODEL_TEST::filter_expression_selects_records_dat
     QTest::newRow("underlying value") << 0 << "faction:^C" << QStringList{};
     QTest::newRow("underlying value, lower case") << 0 << "faction:^c" << QStringList{"archers"};
     // unit has "a" AND (cost starts with 1 OR cost starts with 3)
-    QTest::newRow("three rows with brackets") << 1 << "unit:a & (cost:^1 | cost:^3)"
-                                              << QStringList{"archers", "hastati"};
+    QTest::newRow("three rows with brackets")
+        << 1 << "unit:a & (cost:^1 | cost:^3)" << QStringList{"archers", "hastati"};
     // (unit has "a" AND cost starts with 1) OR cost starts with 2
-    QTest::newRow("three rows left to right") << 1 << "unit:a & cost:^1 | cost:^2"
-                                              << QStringList{"hastati", "velites"};
+    QTest::newRow("three rows left to right")
+        << 1 << "unit:a & cost:^1 | cost:^2" << QStringList{"hastati", "velites"};
 }
 
 void VELD_TABLE_DATA_VIEW_SORT_MODEL_TEST::filter_expression_selects_records()
@@ -279,14 +281,16 @@ void VELD_TABLE_DATA_VIEW_SORT_MODEL_TEST::date_filter_data()
     QTest::addColumn<QStringList>("keys");
 
     // archers 2019-06-01, hastati without a time, velites 2021-06-01.
-    QTest::newRow("all times, old shown") << true << "2000-01-01" << "2030-01-01"
-                                          << QStringList{"archers", "hastati", "velites"};
-    QTest::newRow("all times, old hidden") << false << "2000-01-01" << "2030-01-01"
-                                           << QStringList{"archers", "velites"};
-    QTest::newRow("before 2020, old shown") << true << "2000-01-01" << "2020-01-01"
-                                            << QStringList{"archers", "hastati"};
-    QTest::newRow("after 2020, old hidden") << false << "2020-01-01" << "2030-01-01" << QStringList{"velites"};
-    QTest::newRow("bounds are inclusive") << false << "2019-06-01" << "2019-06-01" << QStringList{"archers"};
+    QTest::newRow("all times, old shown") << true << "2000-01-01"
+                                          << "2030-01-01" << QStringList{"archers", "hastati", "velites"};
+    QTest::newRow("all times, old hidden") << false << "2000-01-01"
+                                           << "2030-01-01" << QStringList{"archers", "velites"};
+    QTest::newRow("before 2020, old shown") << true << "2000-01-01"
+                                            << "2020-01-01" << QStringList{"archers", "hastati"};
+    QTest::newRow("after 2020, old hidden") << false << "2020-01-01"
+                                            << "2030-01-01" << QStringList{"velites"};
+    QTest::newRow("bounds are inclusive") << false << "2019-06-01"
+                                          << "2019-06-01" << QStringList{"archers"};
 }
 
 void VELD_TABLE_DATA_VIEW_SORT_MODEL_TEST::date_filter()
@@ -363,7 +367,8 @@ void VELD_TABLE_DATA_VIEW_SORT_MODEL_TEST::write_to_the_sort_key_lands_on_its_re
     for (const QPersistentModelIndex& target : targets)
         QVERIFY(m_model->setData(target, QString::number(value--)));
     QCOMPARE(keys_in_proxy_order(), (QStringList{"hastati", "archers", "velites"}));
-    QCOMPARE(m_model->data(m_model->index(m_model->row_of_key("velites"), COST), Qt::EditRole), QVariant(300));
+    QCOMPARE(m_model->data(m_model->index(m_model->row_of_key("velites"), COST), Qt::EditRole),
+             QVariant(300));
 }
 
 void VELD_TABLE_DATA_VIEW_SORT_MODEL_TEST::expression_text_and_warning_come_from_the_rows()

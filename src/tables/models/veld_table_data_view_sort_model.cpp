@@ -5,7 +5,8 @@
 #include "kor_table_schema.h"
 #include "veld_table_data_view_model.h"
 
-VELD_TABLE_DATA_VIEW_SORT_MODEL::VELD_TABLE_DATA_VIEW_SORT_MODEL(QObject* parent) : QSortFilterProxyModel(parent)
+VELD_TABLE_DATA_VIEW_SORT_MODEL::VELD_TABLE_DATA_VIEW_SORT_MODEL(QObject* parent)
+    : QSortFilterProxyModel(parent)
 {
 }
 

@@ -37,8 +37,7 @@ public:
     VELD_TABLE_DATA_VIEW_MODEL* table_model() const { return m_table_model; }
 
     // The editor's list of filter rows (not owned), read at each build.
-    template <typename ROW>
-    void set_filter_widgets(const QList<ROW*>* widgets)
+    template <typename ROW> void set_filter_widgets(const QList<ROW*>* widgets)
     {
         m_filter_rows = [widgets]() {
             QList<VELD_FILTER_ROW*> rows;
