@@ -74,26 +74,6 @@ int VELD_TABLE_DATA_VIEW_MODEL::count_rows_with(quint8 flag) const
     return count;
 }
 
-bool VELD_TABLE_DATA_VIEW_MODEL::is_new_row(int row) const
-{
-    return has_flag(row, NEW_ROW);
-}
-
-bool VELD_TABLE_DATA_VIEW_MODEL::is_deleted_row(int row) const
-{
-    return has_flag(row, DELETED_ROW);
-}
-
-bool VELD_TABLE_DATA_VIEW_MODEL::is_deleted_new_row(int row) const
-{
-    return has_flag(row, DELETED_NEW_ROW);
-}
-
-bool VELD_TABLE_DATA_VIEW_MODEL::is_edited_row(int row) const
-{
-    return has_flag(row, EDITED_ROW);
-}
-
 bool VELD_TABLE_DATA_VIEW_MODEL::has_pending_changes() const
 {
     for (quint8 flags : m_row_flags)
@@ -269,9 +249,9 @@ QVariant VELD_TABLE_DATA_VIEW_MODEL::stored_value(int row, int column) const
 
 QModelIndex VELD_TABLE_DATA_VIEW_MODEL::index(int row, int column, const QModelIndex& parent) const
 {
-    if (parent.isValid() || !valid_row(row) || column < 0 || column >= columnCount())
+    if (parent.isValid() || !valid_row(row) || column < 0 || column >= m_column_names.size())
         return QModelIndex();
-    return createIndex(row, column, m_rows[row]);
+    return createIndex(row, column);
 }
 
 int VELD_TABLE_DATA_VIEW_MODEL::rowCount(const QModelIndex& parent) const

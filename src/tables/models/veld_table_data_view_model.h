@@ -88,12 +88,12 @@ public:
     // Makes a row ignore edits (they are reported as successful).
     void lock_row(int row);
 
-    bool is_new_row(int row) const;
+    bool is_new_row(int row) const { return has_flag(row, NEW_ROW); }
     // A record of the table marked for deletion.
-    bool is_deleted_row(int row) const;
+    bool is_deleted_row(int row) const { return has_flag(row, DELETED_ROW); }
     // A new row that the user removed again.
-    bool is_deleted_new_row(int row) const;
-    bool is_edited_row(int row) const;
+    bool is_deleted_new_row(int row) const { return has_flag(row, DELETED_NEW_ROW); }
+    bool is_edited_row(int row) const { return has_flag(row, EDITED_ROW); }
     // Whether edited, new or deleted rows exist (field descriptions aside).
     bool has_pending_changes() const;
 
