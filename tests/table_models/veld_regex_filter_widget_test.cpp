@@ -16,8 +16,6 @@ class VELD_REGEX_FILTER_WIDGET_TEST : public QObject
     Q_OBJECT
 
 private slots:
-    void form_data();
-    void form();
     void tests_text_data();
     void tests_text();
     void disabled_row_passes_everything();
@@ -44,75 +42,6 @@ template <typename T> T* child(QWidget& widget, const char* name)
     return found;
 }
 } // namespace
-
-void VELD_REGEX_FILTER_WIDGET_TEST::form_data()
-{
-    QTest::addColumn<QString>("name");
-    QTest::addColumn<QString>("text");
-    QTest::addColumn<QString>("tool_tip");
-
-    QTest::newRow("add left") << "addLeftBracketButton"
-                              << "+("
-                              << "Add a left bracket to the expression";
-    QTest::newRow("remove left") << "removeLeftBracketButton"
-                                 << "-("
-                                 << "";
-    QTest::newRow("not") << "notCheckBox"
-                         << "Not"
-                         << "";
-    QTest::newRow("column") << "columnComboBox"
-                            << "unit"
-                            << "Select the column to filter by.";
-    QTest::newRow("pattern") << "patternLineEdit"
-                             << ""
-                             << "Insert a wildcard, regexp, or plaintext pattern to filter rows by here.";
-    QTest::newRow("syntax") << "syntaxComboBox"
-                            << "Regular expression"
-                            << "Select the syntax the pattern is using";
-    QTest::newRow("case") << "caseSensitiveCheckBox"
-                          << "Case sensitive"
-                          << "Check this box if you want your pattern to be matched case-sensitively against "
-                             "the records.";
-    QTest::newRow("enabled") << "enabledCheckBox"
-                             << "Enabled"
-                             << "";
-    QTest::newRow("add right") << "addRightBracketButton"
-                               << "+)"
-                               << "Add a right bracket to the expression";
-    QTest::newRow("remove right") << "removeRightBracketButton"
-                                  << "-)"
-                                  << "";
-    QTest::newRow("or") << "orCheckBox"
-                        << "Or"
-                        << "";
-    QTest::newRow("delete") << "deleteButton"
-                            << "Delete"
-                            << "Delete this filter";
-}
-
-void VELD_REGEX_FILTER_WIDGET_TEST::form()
-{
-    QFETCH(QString, name);
-    QFETCH(QString, text);
-    QFETCH(QString, tool_tip);
-
-    VELD_RegexFilterWidget row(columns);
-    QWidget* control = row.findChild<QWidget*>(name);
-    QVERIFY(control);
-    QCOMPARE(control->toolTip(), tool_tip);
-    if (auto* button = qobject_cast<QAbstractButton*>(control))
-        QCOMPARE(button->text(), text);
-    else if (auto* combo = qobject_cast<QComboBox*>(control))
-        QCOMPARE(combo->currentText(), text);
-
-    QCOMPARE(child<QComboBox>(row, "syntaxComboBox")->count(), 3);
-    QCOMPARE(child<QComboBox>(row, "syntaxComboBox")->itemText(2), QStringLiteral("Fixed string"));
-    QCOMPARE(child<QComboBox>(row, "columnComboBox")->count(), 3);
-    QVERIFY(child<QCheckBox>(row, "enabledCheckBox")->isChecked());
-    QVERIFY(!child<QCheckBox>(row, "caseSensitiveCheckBox")->isChecked());
-    QCOMPARE(row.regular_expression().caseSensitivity(), Qt::CaseInsensitive);
-    QCOMPARE(row.regular_expression().patternSyntax(), QRegExp::RegExp);
-}
 
 void VELD_REGEX_FILTER_WIDGET_TEST::tests_text_data()
 {

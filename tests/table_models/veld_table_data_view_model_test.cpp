@@ -216,34 +216,19 @@ void VELD_TABLE_DATA_VIEW_MODEL_TEST::validates_typed_values_data()
     QTest::addColumn<QVariant>("stored");
     QTest::addColumn<QStringList>("messages");
 
+    // The type rules themselves are tested with the validator; here, what
+    // the model does with them.
     const QString not_valid = QStringLiteral("' is not a valid value for '%1' (archers)");
     QTest::newRow("integer") << int(COST) << "45" << true << QVariant(45) << QStringList();
-    QTest::newRow("integer refused") << int(COST) << "4.5" << false << QVariant(30)
-                                     << QStringList{"Not a valid integer value: 4.5",
-                                                    "'4.5" + not_valid.arg("cost")};
+    QTest::newRow("integer refused")
+        << int(COST) << "4.5" << false << QVariant(30)
+        << QStringList{"Not a valid integer value: 4.5", "'4.5" + not_valid.arg("cost")};
     QTest::newRow("empty integer") << int(COST) << "" << true << QVariant() << QStringList();
-    QTest::newRow("single") << int(SPEED) << "2.5" << true << QVariant(2.5f) << QStringList();
-    QTest::newRow("double") << int(WEIGHT) << "1e3" << true << QVariant(1000.0) << QStringList();
-    QTest::newRow("double refused") << int(WEIGHT) << "heavy" << false << QVariant()
-                                    << QStringList{"Not a valid double value: heavy",
-                                                   "'heavy" + not_valid.arg("weight")};
     QTest::newRow("yesno") << int(ACTIVE) << "False" << true << QVariant(false) << QStringList();
-    QTest::newRow("yesno refused") << int(ACTIVE) << "no" << false << QVariant(true)
-                                   << QStringList{"Not a valid boolean value: no",
-                                                  "'no" + not_valid.arg("active")};
-    QTest::newRow("text without line breaks")
-        << int(NOTES) << "two\nlines" << true << QVariant(QStringLiteral("twolines")) << QStringList();
+    QTest::newRow("text without line breaks") << int(NOTES) << "two\nlines" << true
+                                              << QVariant(QStringLiteral("twolines")) << QStringList();
     QTest::newRow("autonumber") << int(SERIAL) << "9" << false << QVariant(3)
-                                << QStringList{"You cannot update autonumber values!",
-                                               "'9" + not_valid.arg("serial")};
-    QTest::newRow("unique id") << int(UID) << "9" << false << QVariant(qulonglong(103))
-                               << QStringList{"You cannot update unique id values!",
-                                              "'9" + not_valid.arg("uid")};
-    QTest::newRow("card64") << int(TAG) << "9" << false << QVariant()
-                            << QStringList{"Not a valid card64 value: 9", "'9" + not_valid.arg("tag")};
-    QTest::newRow("date-time") << int(MADE) << "2020-01-01" << false << QVariant()
-                               << QStringList{"Date-time values not yet supported in this front end",
-                                              "'2020-01-01" + not_valid.arg("made")};
+                                << QStringList{"You cannot update autonumber values!", "'9" + not_valid.arg("serial")};
 }
 
 void VELD_TABLE_DATA_VIEW_MODEL_TEST::validates_typed_values()

@@ -96,6 +96,9 @@ public:
     bool is_edited_row(int row) const { return has_flag(row, EDITED_ROW); }
     // Whether edited, new or deleted rows exist (field descriptions aside).
     bool has_pending_changes() const;
+    // Records of the table marked for deletion (the editor's record count
+    // leaves them out).
+    int deleted_row_count() const { return count_rows_with(DELETED_ROW); }
 
     // The current key text of a row's record; empty out of range.
     QString record_key(int row) const;
