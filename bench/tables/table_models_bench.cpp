@@ -21,6 +21,8 @@
 #include <QRegExp>
 #include <QTemporaryDir>
 
+#include <malloc.h>
+
 #include <algorithm>
 #include <cstdio>
 #include <functional>
@@ -151,6 +153,14 @@ bool build_database(const QString& path, int records, QString& error)
     return true;
 }
 
+// Heap in use, which unlike the resident size does not hide memory that
+// was freed and taken again.
+double heap_megabytes()
+{
+    const struct mallinfo2 info = mallinfo2();
+    return double(info.uordblks + info.hblkhd) / (1024.0 * 1024.0);
+}
+
 long resident_kilobytes()
 {
     QFile status(QStringLiteral("/proc/self/status"));
@@ -210,7 +220,7 @@ int main(int argc, char** argv)
         std::fprintf(stderr, "cannot connect: %s\n", qPrintable(error));
         return 1;
     }
-    const long base_memory = resident_kilobytes();
+    const double base_heap = heap_megabytes();
 
     // Open: the engine reads the table file on the first request; the model
     // then fills its rows.
@@ -220,9 +230,9 @@ int main(int argc, char** argv)
         std::fprintf(stderr, "cannot read the table: %s\n", qPrintable(error));
         return 1;
     }
-    const long engine_memory = resident_kilobytes();
+    const double engine_heap = heap_megabytes();
     report("open: the engine reads the table file", timer.nsecsElapsed() / 1e6,
-           QStringLiteral("+%1 MB resident").arg((engine_memory - base_memory) / 1024));
+           QStringLiteral("+%1 MB heap").arg(engine_heap - base_heap, 0, 'f', 1));
     VELD_TABLE_DATA_VIEW_MODEL model(QStringLiteral("units"), &engine);
     timer.restart();
     if (!model.load(error))
@@ -231,24 +241,29 @@ int main(int argc, char** argv)
         return 1;
     }
     report("open: the model fills its rows", timer.nsecsElapsed() / 1e6,
-           QStringLiteral("+%1 MB resident").arg((resident_kilobytes() - engine_memory) / 1024));
+           QStringLiteral("+%1 MB heap").arg(heap_megabytes() - engine_heap, 0, 'f', 1));
     report("open: reload of the loaded table (model only)",
            best_of(repeats, nullptr, [&] { model.refresh(false); }));
 
     VELD_TABLE_DATA_VIEW_SORT_MODEL proxy;
     proxy.setDynamicSortFilter(true);
-    report("proxy: attach and map every row", best_of(
-                                                  repeats, [&] { proxy.setSourceModel(nullptr); },
-                                                  [&] {
-                                                      proxy.setSourceModel(&model);
-                                                      proxy.rowCount();
-                                                  }));
+    double heap = heap_megabytes();
+    double elapsed = best_of(
+        repeats, [&] { proxy.setSourceModel(nullptr); },
+        [&] {
+            proxy.setSourceModel(&model);
+            proxy.rowCount();
+        });
+    report("proxy: attach and map every row", elapsed,
+           QStringLiteral("+%1 MB heap").arg(heap_megabytes() - heap, 0, 'f', 1));
 
     // Sorting, each time from another order and with the keys of the
     // column made again.
     const auto unsorted = [&] { proxy.sort(5); };
-    report("sort: integer column, ascending",
-           best_of(repeats, unsorted, [&] { proxy.sort(2, Qt::AscendingOrder); }));
+    heap = heap_megabytes();
+    elapsed = best_of(repeats, unsorted, [&] { proxy.sort(2, Qt::AscendingOrder); });
+    report("sort: integer column, ascending", elapsed,
+           QStringLiteral("+%1 MB heap kept for the keys").arg(heap_megabytes() - heap, 0, 'f', 1));
     report("sort: integer column, descending",
            best_of(repeats, unsorted, [&] { proxy.sort(2, Qt::DescendingOrder); }));
     report("sort: double column, ascending",
@@ -284,18 +299,19 @@ int main(int argc, char** argv)
         proxy.invalidate();
         shown = proxy.rowCount();
     };
-    double time = best_of(repeats, nullptr, filter);
-    report("filter: three rows with brackets, display text", time,
+    elapsed = best_of(repeats, nullptr, filter);
+    report("filter: three rows with brackets, display text", elapsed,
            QStringLiteral("%1 rows shown").arg(shown));
     proxy.set_filter_on_display_text(0);
     rows[1]->expression.setPattern(QStringLiteral("^f1"));
-    time = best_of(repeats, nullptr, filter);
-    report("filter: three rows with brackets, underlying values", time,
+    elapsed = best_of(repeats, nullptr, filter);
+    report("filter: three rows with brackets, underlying values", elapsed,
            QStringLiteral("%1 rows shown").arg(shown));
     rows.clear();
     proxy.build_filter_tree();
-    time = best_of(1, nullptr, filter);
-    report("filter: none again (every row sorted again)", time, QStringLiteral("%1 rows shown").arg(shown));
+    elapsed = best_of(1, nullptr, filter);
+    report("filter: none again (every row sorted again)", elapsed,
+           QStringLiteral("%1 rows shown").arg(shown));
 
     // Edits while sorted on the edited column; the first builds the key set.
     int value = 0;
@@ -312,6 +328,7 @@ int main(int argc, char** argv)
                model.refresh(true);
                proxy.rowCount();
            }));
-    std::printf("resident memory at the end: %ld MB\n", resident_kilobytes() / 1024);
+    std::printf("heap in use at the end: %.0f MB, resident: %ld MB\n", heap_megabytes(),
+                resident_kilobytes() / 1024);
     return 0;
 }
