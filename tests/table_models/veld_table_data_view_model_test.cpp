@@ -5,6 +5,7 @@
 #include "orbin_settings.h"
 #include "table_model_test_database.h"
 #include "test_database_builder.h"
+#include "veld_data.h"
 #include "veld_table_data_view_model.h"
 #include "veld_table_data_view_sort_model.h"
 #include "veld_table_mass_operation.h"
@@ -103,6 +104,7 @@ private slots:
     void row_header_numbers_follow_the_proxy();
     void frozen_columns_are_not_editable();
     void field_descriptions_wait_for_apply();
+    void works_on_the_connection_of_the_session();
 
 private:
     std::unique_ptr<VELD_TABLE_DATA_VIEW_MODEL> open(const QString& table);
@@ -757,6 +759,31 @@ void VELD_TABLE_DATA_VIEW_MODEL_TEST::field_descriptions_wait_for_apply()
     QVERIFY(!m_model->has_pending_changes());
     QVERIFY(m_model->apply_changes());
     QCOMPARE(m_db->engine().log, (QStringList{"begin", "describe cost Gold", "end"}));
+}
+
+void VELD_TABLE_DATA_VIEW_MODEL_TEST::works_on_the_connection_of_the_session()
+{
+    VELD_DATA session;
+    VELD_TABLE_DATA_VIEW_MODEL model(QStringLiteral("units"), &session);
+    QString error;
+    QVERIFY(!model.load(error));
+    QCOMPARE(error, QStringLiteral("Could not access the main query interface in order to load table 'units'"));
+
+    QCOMPARE(m_db->engine().disconnect(), QString());
+    QVERIFY2(session.connect_main(error, m_db->path(), 0), qPrintable(error));
+    QVERIFY(model.load(error));
+    QCOMPARE(model.rowCount(), 3);
+    QVERIFY(model.setData(model.index(0, COST), QStringLiteral("31")));
+
+    // The session's interface is asked at each call: once it is gone the
+    // apply is refused and the edit stays pending.
+    QVERIFY(session.disconnect_all(error));
+    QSignalSpy status(&model, SIGNAL(statusUpdate(QString)));
+    QVERIFY(!model.apply_changes());
+    QCOMPARE(status.size(), 1);
+    QCOMPARE(status.first().first().toString(),
+             QStringLiteral("Could not access the main query interface in order to apply table changes"));
+    QVERIFY(model.is_edited_row(0));
 }
 
 QTEST_MAIN(VELD_TABLE_DATA_VIEW_MODEL_TEST)
