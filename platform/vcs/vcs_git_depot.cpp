@@ -733,6 +733,9 @@ bool VCS_GIT_DEPOT::describe(QString& error, int change, VCS_CHANGE_INFO& out)
     QStringList chain;
     if (!repository.chain(error, chain))
         return false;
+    // A change this clone has not seen yet may be in the depot.
+    if (change > chain.size() && (!repository.fetch(error) || !repository.chain(error, chain)))
+        return false;
     if (change <= 0 || change > chain.size())
     {
         error = QStringLiteral("Change %1 unknown.").arg(change);

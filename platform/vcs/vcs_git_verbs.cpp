@@ -521,6 +521,12 @@ bool VCS_GIT_VERBS::changes(const ARGUMENTS& arguments)
     }
     if (status.isEmpty() || status == QLatin1String("submitted"))
     {
+        // The depot is asked, as the client would ask its server.
+        if (!repo.fetch(error))
+        {
+            message(2, error);
+            return false;
+        }
         QVector<VCS_FILE_SPEC> parsed;
         if (!specs(arguments.files, parsed, QStringLiteral("//...")))
             return false;
@@ -757,7 +763,7 @@ bool VCS_GIT_VERBS::files(const ARGUMENTS& arguments, bool with_status)
     QString error;
     QString head;
     QString latest;
-    if (!scope.begin(error) || !repo.head(error, head) || !repo.latest(error, latest))
+    if (!scope.begin(error) || !repo.fetch(error) || !repo.head(error, head) || !repo.latest(error, latest))
     {
         message(2, error);
         return false;

@@ -604,6 +604,11 @@ bool VCS_GIT_WORKSPACE::resolve(QString& error, const QVector<VCS_FILE_SPEC>& sp
         item.base_commit = entry.base;
         item.their_commit = entry.theirs;
         item.revision = revision_at(entry.theirs, path);
+        if (preview)
+        {
+            items.append(item);
+            continue;
+        }
         switch (how)
         {
         case VCS_RESOLVE::ACCEPT_THEIRS:
@@ -675,7 +680,7 @@ bool VCS_GIT_WORKSPACE::resolve(QString& error, const QVector<VCS_FILE_SPEC>& sp
     if (preview)
         return true;
 
-    QStringList replaced = theirs_writes.keys() + merged_writes.keys();
+    const QStringList replaced = theirs_writes.keys() + merged_writes.keys();
     if (!safety_copy(error, replaced))
         return false;
     if (!write_content(error, theirs_writes))
