@@ -101,7 +101,11 @@ QVector<VCS_ZTAG_RECORD> VCS_ZTAG_RECORD::parse(const QStringList& lines, QStrin
             const int space = body.indexOf(QLatin1Char(' '));
             const QString key = space < 0 ? body : body.left(space);
             const QString value = space < 0 ? QString() : body.mid(space + 1);
-            if (pending_blank_lines > 0 || current.contains(key))
+            // Descriptions end in a newline, which the client prints as a
+            // blank line before the next field of the same record.
+            const bool description_end = last_key.endsWith(QLatin1String("desc"), Qt::CaseInsensitive) ||
+                                         last_key.startsWith(QLatin1String("desc"));
+            if ((pending_blank_lines > 0 && !description_end) || current.contains(key))
                 finish();
             pending_blank_lines = 0;
             current.set(key, value);

@@ -23,7 +23,8 @@ public:
     QStringList to_lines() const;
 
     // Splits tagged output into records. A record ends at a blank line that is
-    // followed by a field line, or where a field name repeats. Lines before the
+    // followed by a field line (unless the blank line ends a description), or
+    // where a field name repeats. Lines before the
     // first field line and other untagged lines are returned in untagged.
     static QVector<VCS_ZTAG_RECORD> parse(const QStringList& lines, QStringList* untagged = nullptr);
     static QStringList to_lines(const QVector<VCS_ZTAG_RECORD>& records);
