@@ -1,19 +1,13 @@
 #include "vcs_identity.h"
 
-#include <QtGlobal>
+#include "orbin_user.h"
 
-#include <pwd.h>
 #include <unistd.h>
 
 QString VCS_IDENTITY::user_name()
 {
-    if (const passwd* entry = getpwuid(geteuid()))
-    {
-        if (entry->pw_name && *entry->pw_name)
-            return QString::fromLocal8Bit(entry->pw_name);
-    }
-    const QString from_environment = qEnvironmentVariable("USER");
-    return from_environment.isEmpty() ? QStringLiteral("unknown") : from_environment;
+    const QString login = ORBIN_USER::login_name();
+    return login.isEmpty() ? QStringLiteral("unknown") : login;
 }
 
 QString VCS_IDENTITY::host_name()

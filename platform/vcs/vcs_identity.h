@@ -6,7 +6,7 @@
 class VCS_IDENTITY
 {
 public:
-    // The login name of the process owner.
+    // The login name of the process owner (the program's one user-name helper).
     static QString user_name();
     static QString host_name();
 };
