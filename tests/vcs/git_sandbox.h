@@ -8,15 +8,14 @@
 #include <QFile>
 #include <QFileInfo>
 #include <QProcess>
-#include <QTemporaryDir>
+#include "test_folder.h"
+
 #include <QtTest/QtTest>
 
 class GIT_SANDBOX
 {
 public:
-    GIT_SANDBOX() : folder(QDir::tempPath() + QStringLiteral("/orbin-vcs-XXXXXX")) {}
-
-    bool valid() const { return folder.isValid(); }
+    bool valid() const { return folder.is_valid(); }
     QString path(const QString& name) const { return folder.path() + QLatin1Char('/') + name; }
     QString depot() const { return path(QStringLiteral("depot.git")); }
 
@@ -94,5 +93,5 @@ public:
     }
 
 private:
-    QTemporaryDir folder;
+    TEST_FOLDER folder;
 };
