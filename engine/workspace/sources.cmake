@@ -2,5 +2,9 @@
 # submit, shelve, diff copies), compiled into kor_engine. Owned by the
 # version-control work.
 set(KOR_ENGINE_WORKSPACE_SOURCES
-  ${KOR_ENGINE_DIR}/workspace/kor_record_merge.cpp)
+  ${KOR_ENGINE_DIR}/workspace/kor_record_merge.cpp
+  ${KOR_ENGINE_DIR}/workspace/kor_workspace_files.cpp
+  ${KOR_ENGINE_DIR}/workspace/kor_workspace_changes.cpp
+  ${KOR_ENGINE_DIR}/workspace/kor_workspace_submit.cpp
+  ${KOR_ENGINE_DIR}/workspace/kor_workspace_diff_copy.cpp)
 set(KOR_ENGINE_WORKSPACE_LIBS orbin_vcs)

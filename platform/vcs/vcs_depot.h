@@ -79,6 +79,8 @@ public:
     virtual bool revert(QString& error, const QStringList& specs, bool keep_content, bool wipe_added) = 0;
 
     virtual bool new_change(QString& error, const QString& description, int& change) = 0;
+    // The pending changelists of this workspace (number, description).
+    virtual bool pending_changes(QString& error, QVector<VCS_CHANGE_INFO>& out) = 0;
     virtual bool delete_change(QString& error, int change) = 0;
     // Submits the files opened in change; submitted is the number the depot gave it.
     virtual bool submit(QString& error, int change, const QString& description, int& submitted) = 0;

@@ -479,6 +479,26 @@ bool VCS_GIT_DEPOT::new_change(QString& error, const QString& description, int& 
     return client.save(error);
 }
 
+bool VCS_GIT_DEPOT::pending_changes(QString& error, QVector<VCS_CHANGE_INFO>& out)
+{
+    out.clear();
+    STATE_SCOPE scope(client);
+    if (!scope.begin(error))
+        return false;
+    const VCS_GIT_STATE& state = client.state();
+    for (auto it = state.pending.cbegin(); it != state.pending.cend(); ++it)
+    {
+        VCS_CHANGE_INFO info;
+        info.number = it.key();
+        info.status = QStringLiteral("pending");
+        info.user = user_name();
+        info.workspace = workspace_name();
+        info.description = it.value().description;
+        out.append(info);
+    }
+    return true;
+}
+
 bool VCS_GIT_DEPOT::delete_change(QString& error, int change)
 {
     STATE_SCOPE scope(client);

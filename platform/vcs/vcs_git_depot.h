@@ -37,6 +37,7 @@ public:
     bool open(QString& error, const QStringList& files, VCS_ACTION action, int change) override;
     bool revert(QString& error, const QStringList& specs, bool keep_content, bool wipe_added) override;
     bool new_change(QString& error, const QString& description, int& change) override;
+    bool pending_changes(QString& error, QVector<VCS_CHANGE_INFO>& out) override;
     bool delete_change(QString& error, int change) override;
     bool submit(QString& error, int change, const QString& description, int& submitted) override;
     bool describe(QString& error, int change, VCS_CHANGE_INFO& out) override;

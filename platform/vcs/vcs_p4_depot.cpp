@@ -594,6 +594,35 @@ bool VCS_P4_DEPOT::new_change(QString& error, const QString& description, int& c
     return true;
 }
 
+bool VCS_P4_DEPOT::pending_changes(QString& error, QVector<VCS_CHANGE_INFO>& out)
+{
+    out.clear();
+    const QString client = workspace_name();
+    if (client.isEmpty())
+    {
+        load_info(error);
+        return false;
+    }
+    const RESULT result = p4({QStringLiteral("changes"), QStringLiteral("-l"), QStringLiteral("-s"), QStringLiteral("pending"),
+                              QStringLiteral("-c"), client});
+    if (!result.ok)
+    {
+        error = result.error;
+        return false;
+    }
+    for (const VCS_ZTAG_RECORD& record : result.records)
+    {
+        VCS_CHANGE_INFO info;
+        info.number = record.int_value(QStringLiteral("change"));
+        info.status = QStringLiteral("pending");
+        info.user = record.value(QStringLiteral("user"));
+        info.workspace = record.value(QStringLiteral("client"));
+        info.description = record.value(QStringLiteral("desc")).trimmed();
+        out.append(info);
+    }
+    return true;
+}
+
 bool VCS_P4_DEPOT::delete_change(QString& error, int change)
 {
     const RESULT result = p4({QStringLiteral("change"), QStringLiteral("-d"), QString::number(change)}, QByteArray(), false);
