@@ -23,7 +23,6 @@ set(KOR_ENGINE_SOURCES
   ${KOR_ENGINE_DIR}/kor_memory_pool.cpp
   ${KOR_ENGINE_DIR}/kor_engine_pending.cpp
   ${KOR_ENGINE_DIR}/kor_query_stubs.cpp
-  ${KOR_ENGINE_DIR}/kor_workspace_stubs.cpp
   ${KOR_ENGINE_DIR}/kor_xml_query_interface.cpp
   # Listed so that moc sees the interface's signals.
   ${KOR_SESSION_DIR}/kor_xml_query_interface.h)

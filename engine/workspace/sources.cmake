@@ -3,8 +3,14 @@
 # version-control work.
 set(KOR_ENGINE_WORKSPACE_SOURCES
   ${KOR_ENGINE_DIR}/workspace/kor_record_merge.cpp
+  ${KOR_ENGINE_DIR}/workspace/kor_merge_log.cpp
   ${KOR_ENGINE_DIR}/workspace/kor_workspace_files.cpp
   ${KOR_ENGINE_DIR}/workspace/kor_workspace_changes.cpp
   ${KOR_ENGINE_DIR}/workspace/kor_workspace_submit.cpp
   ${KOR_ENGINE_DIR}/workspace/kor_workspace_diff_copy.cpp)
-set(KOR_ENGINE_WORKSPACE_LIBS orbin_vcs)
+if(EXISTS ${KOR_ENGINE_DIR}/kor_table_io.h)
+  list(APPEND KOR_ENGINE_WORKSPACE_SOURCES ${KOR_ENGINE_DIR}/workspace/kor_workspace_merge.cpp)
+else()
+  list(APPEND KOR_ENGINE_WORKSPACE_SOURCES ${KOR_ENGINE_DIR}/workspace/kor_workspace_merge_interim.cpp)
+endif()
+set(KOR_ENGINE_WORKSPACE_LIBS orbin_vcs orbin_common)
