@@ -85,6 +85,15 @@ QString KOR_XML_QUERY_INTERFACE::create_db_copy_for_diff(const QString& path, co
         return QString();
     }
     marker.close();
+    // connect_for_diff reads which database the copy was made from.
+    QFile origin(building + QStringLiteral("/Veld_copy_origin.txt"));
+    if (!origin.open(QIODevice::WriteOnly) || origin.write((folder + QLatin1Char('\n')).toUtf8()) < 0)
+    {
+        QDir(building).removeRecursively();
+        KOR_WORKSPACE_FILES::report(*this, QStringLiteral("Cannot write into the copy '%1'").arg(building), 2);
+        return QString();
+    }
+    origin.close();
     if (!QDir().rename(building, target))
     {
         QDir(building).removeRecursively();

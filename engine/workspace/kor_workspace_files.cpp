@@ -1,7 +1,9 @@
 #include "kor_workspace_files.h"
 
 #include "kor_db_file.h"
+#include "kor_table_io.h"
 #include "kor_xml_query_interface.h"
+#include "kor_xml_query_interface_p.h"
 #include "vcs_depot.h"
 
 #include <QDateTime>
@@ -9,16 +11,6 @@
 #include <QFile>
 #include <QFileInfo>
 #include <QStandardPaths>
-
-namespace
-{
-const QLatin1String schema_folder("Veld_schemas");
-
-bool is_table_file_name(const QString& name)
-{
-    return name.endsWith(QLatin1String(".xml")) && !name.startsWith(QLatin1String("Veld"));
-}
-} // namespace
 
 QString KOR_WORKSPACE_FILES::clean(const QString& path)
 {
@@ -42,12 +34,12 @@ std::unique_ptr<VCS_DEPOT> KOR_WORKSPACE_FILES::depot(QString& error, const QStr
 
 QString KOR_WORKSPACE_FILES::table_file(const QString& database_path, const QString& table)
 {
-    return clean(database_path) + QLatin1Char('/') + table + QStringLiteral(".xml");
+    return clean(database_path) + QLatin1Char('/') + KOR_TABLE_IO::table_file_relative(table);
 }
 
 QString KOR_WORKSPACE_FILES::schema_file(const QString& database_path, const QString& table)
 {
-    return clean(database_path) + QLatin1Char('/') + schema_folder + QLatin1Char('/') + table + QStringLiteral(".xml");
+    return clean(database_path) + QLatin1Char('/') + KOR_TABLE_IO::schema_file_relative(table);
 }
 
 KOR_WORKSPACE_FILES::KIND KOR_WORKSPACE_FILES::kind_of(const QString& database_path, const QString& file, QString* table)
@@ -58,13 +50,13 @@ KOR_WORKSPACE_FILES::KIND KOR_WORKSPACE_FILES::kind_of(const QString& database_p
         return OTHER;
     const QString relative = path.mid(folder.size() + 1);
     const QStringList parts = relative.split(QLatin1Char('/'));
-    if (parts.size() == 1 && is_table_file_name(parts.first()))
+    if (parts.size() == 1 && KOR_TABLE_IO::is_table_file_name(parts.first()))
     {
         if (table)
             *table = parts.first().chopped(4);
         return TABLE_DATA;
     }
-    if (parts.size() == 2 && parts.first() == schema_folder && parts.last().endsWith(QLatin1String(".xml")))
+    if (parts.size() == 2 && parts.first() == KOR_TABLE_IO::schema_folder_name() && parts.last().endsWith(QLatin1String(".xml")))
     {
         if (table)
             *table = parts.last().chopped(4);
@@ -159,9 +151,7 @@ bool KOR_WORKSPACE_FILES::safety_copy(QString& error, const QString& database_pa
 
 void KOR_WORKSPACE_FILES::report(KOR_XML_QUERY_INTERFACE& query_interface, const QString& text, int severity)
 {
-    Q_UNUSED(query_interface);
-    Q_UNUSED(text);
-    Q_UNUSED(severity);
+    query_interface.engine_private()->report(text, severity);
 }
 
 void KOR_WORKSPACE_FILES::report_once(KOR_XML_QUERY_INTERFACE& query_interface, const QString& text, int severity)

@@ -158,8 +158,16 @@ bool merge_database(KOR_XML_QUERY_INTERFACE& query, QString& error, const QStrin
     std::unique_ptr<VCS_DEPOT> depot = KOR_WORKSPACE_FILES::depot(error, path);
     if (!depot)
     {
-        error = QStringLiteral("There is nothing to merge with: %1").arg(error);
-        return false;
+        if (!caller.isEmpty() || !QFileInfo(path).isDir())
+        {
+            error = QStringLiteral("There is nothing to merge with: %1").arg(error);
+            return false;
+        }
+        // A database used without version control still connects: there is
+        // simply nothing newer to bring in.
+        emit query.mergeUpdate(QStringLiteral("Not merged: %1").arg(error));
+        error.clear();
+        return true;
     }
     const QString database = KOR_WORKSPACE_FILES::clean(path);
     MERGE_RUN run(query, *depot, database);
@@ -238,7 +246,9 @@ bool KOR_XML_QUERY_INTERFACE::merge_for_checkin(QString& error, const QString& p
 {
     Q_UNUSED(mode);
     Q_UNUSED(design_data_path);
-    if (!merge_database(*this, error, path, caller_name))
+    // A check-in needs a depot: an empty caller name would pass a folder
+    // without one as merged.
+    if (!merge_database(*this, error, path, caller_name.isEmpty() ? QStringLiteral("check-in") : caller_name))
         return false;
     // Someone may have submitted while the merge ran: a check-in needs the
     // copy at the newest revision with nothing left open.

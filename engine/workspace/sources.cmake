@@ -7,10 +7,6 @@ set(KOR_ENGINE_WORKSPACE_SOURCES
   ${KOR_ENGINE_DIR}/workspace/kor_workspace_files.cpp
   ${KOR_ENGINE_DIR}/workspace/kor_workspace_changes.cpp
   ${KOR_ENGINE_DIR}/workspace/kor_workspace_submit.cpp
-  ${KOR_ENGINE_DIR}/workspace/kor_workspace_diff_copy.cpp)
-if(EXISTS ${KOR_ENGINE_DIR}/kor_table_io.h)
-  list(APPEND KOR_ENGINE_WORKSPACE_SOURCES ${KOR_ENGINE_DIR}/workspace/kor_workspace_merge.cpp)
-else()
-  list(APPEND KOR_ENGINE_WORKSPACE_SOURCES ${KOR_ENGINE_DIR}/workspace/kor_workspace_merge_interim.cpp)
-endif()
+  ${KOR_ENGINE_DIR}/workspace/kor_workspace_diff_copy.cpp
+  ${KOR_ENGINE_DIR}/workspace/kor_workspace_merge.cpp)
 set(KOR_ENGINE_WORKSPACE_LIBS orbin_vcs orbin_common)
