@@ -38,20 +38,31 @@ public:
         return process.exitStatus() == QProcess::NormalExit && process.exitCode() == 0;
     }
 
+    // A bare depot and the "seed" clone that fills it (publish_seed).
+    bool create_empty_depot()
+    {
+        return git(folder.path(), {QStringLiteral("init"), QStringLiteral("-q"), QStringLiteral("--bare"), QStringLiteral("-b"),
+                                   QStringLiteral("main"), depot()}) &&
+               git(folder.path(), {QStringLiteral("clone"), QStringLiteral("-q"), depot(), seed()});
+    }
+    QString seed() const { return path(QStringLiteral("seed")); }
+
+    // Commits everything in the seed clone and pushes it: the next change.
+    bool publish_seed(const QString& message)
+    {
+        return git(seed(), {QStringLiteral("add"), QStringLiteral("-A")}) &&
+               git(seed(), {QStringLiteral("commit"), QStringLiteral("-q"), QStringLiteral("-m"), message}) &&
+               git(seed(), {QStringLiteral("push"), QStringLiteral("-q"), QStringLiteral("origin"), QStringLiteral("HEAD:refs/heads/main")});
+    }
+
     // A bare depot whose first commit holds the given files (change 1).
     bool create_depot(const QMap<QString, QByteArray>& files)
     {
-        if (!git(folder.path(), {QStringLiteral("init"), QStringLiteral("-q"), QStringLiteral("--bare"), QStringLiteral("-b"),
-                                 QStringLiteral("main"), depot()}))
-            return false;
-        const QString seed = path(QStringLiteral("seed"));
-        if (!git(folder.path(), {QStringLiteral("clone"), QStringLiteral("-q"), depot(), seed}))
+        if (!create_empty_depot())
             return false;
         for (auto it = files.cbegin(); it != files.cend(); ++it)
-            write(seed + QLatin1Char('/') + it.key(), it.value());
-        return git(seed, {QStringLiteral("add"), QStringLiteral("-A")}) &&
-               git(seed, {QStringLiteral("commit"), QStringLiteral("-q"), QStringLiteral("-m"), QStringLiteral("First")}) &&
-               git(seed, {QStringLiteral("push"), QStringLiteral("-q"), QStringLiteral("origin"), QStringLiteral("HEAD:refs/heads/main")});
+            write(seed() + QLatin1Char('/') + it.key(), it.value());
+        return publish_seed(QStringLiteral("First"));
     }
 
     // A new workspace: a clone of the depot.
@@ -66,14 +77,11 @@ public:
     // A change made outside the layer, as another tool would push it.
     bool push_from_seed(const QString& file, const QByteArray& content, const QString& message)
     {
-        const QString seed = path(QStringLiteral("seed"));
-        if (!git(seed, {QStringLiteral("pull"), QStringLiteral("-q"), QStringLiteral("--ff-only"), QStringLiteral("origin"),
-                        QStringLiteral("main")}))
+        if (!git(seed(), {QStringLiteral("pull"), QStringLiteral("-q"), QStringLiteral("--ff-only"), QStringLiteral("origin"),
+                          QStringLiteral("main")}))
             return false;
-        write(seed + QLatin1Char('/') + file, content);
-        return git(seed, {QStringLiteral("add"), QStringLiteral("-A")}) &&
-               git(seed, {QStringLiteral("commit"), QStringLiteral("-q"), QStringLiteral("-m"), message}) &&
-               git(seed, {QStringLiteral("push"), QStringLiteral("-q"), QStringLiteral("origin"), QStringLiteral("HEAD:refs/heads/main")});
+        write(seed() + QLatin1Char('/') + file, content);
+        return publish_seed(message);
     }
 
     static void write(const QString& file, const QByteArray& content)
