@@ -326,20 +326,28 @@ bool KOR_DB_FILE::unshelve_db(const QString& path, const QString& name, PROGRESS
                            1);
             }
         }
+        // The restored files are opened as they were changed, so that a
+        // Perforce client (whose files are read-only until opened) takes them.
         if (action == VCS_ACTION::DELETE)
         {
-            if (QFileInfo::exists(local_file) && !QFile::remove(local_file))
+            if (QFileInfo::exists(local_file) && !depot->open(error, {local_file}, VCS_ACTION::DELETE, 0) &&
+                !QFile::remove(local_file))
             {
                 report(progress, QStringLiteral("Cannot remove '%1'").arg(local_file), 2);
                 all_ok = false;
             }
             continue;
         }
+        if (action == VCS_ACTION::EDIT && !depot->open(error, {local_file}, VCS_ACTION::EDIT, 0))
+            report(progress, QStringLiteral("'%1' could not be opened for edit: %2").arg(local_file, error), 1);
         if (!copy_file(error, shelf + QStringLiteral("/files/") + relative, local_file))
         {
             report(progress, error, 2);
             all_ok = false;
+            continue;
         }
+        if (action == VCS_ACTION::ADD && !depot->open(error, {local_file}, VCS_ACTION::ADD, 0))
+            report(progress, QStringLiteral("'%1' could not be opened for add: %2").arg(local_file, error), 1);
     }
     if (!all_ok)
         return false;
