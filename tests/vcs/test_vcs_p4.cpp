@@ -323,6 +323,55 @@ private slots:
         QCOMPARE(last_call(QStringLiteral("submit")), (QStringList{QStringLiteral("submit"), QStringLiteral("-c"), QStringLiteral("1601")}));
     }
 
+    void operations_run_these_command_lines_data()
+    {
+        QTest::addColumn<QString>("operation");
+        QTest::addColumn<QStringList>("expected");  // the verbs with their arguments, "|" between calls
+        QTest::newRow("sync opens loose changes first")
+            << "sync" << QStringList{"reconcile @ROOT@/db/...", "sync @ROOT@/db/..."};
+        QTest::newRow("revert takes back every local change")
+            << "revert" << QStringList{"reconcile @ROOT@/db/...", "revert -w @ROOT@/db/..."};
+        QTest::newRow("revert keeping the content only undoes opens") << "revert -k" << QStringList{"revert -k @ROOT@/db/..."};
+        QTest::newRow("pending changelists of this client")
+            << "pending" << QStringList{"info", "changes -l -s pending -c alice_ws"};
+    }
+
+    void operations_run_these_command_lines()
+    {
+        QFETCH(QString, operation);
+        QFETCH(QStringList, expected);
+        use(QStringLiteral("sequences"));
+        std::unique_ptr<VCS_DEPOT> client = depot();
+        const QString db = root + QStringLiteral("/db");
+        QString error;
+        if (operation == QLatin1String("sync"))
+        {
+            QStringList updated;
+            QVERIFY2(client->sync(error, {db + QStringLiteral("/...")}, updated), qPrintable(error));
+            QCOMPARE(updated, QStringList{db + QStringLiteral("/units.xml")});
+        }
+        else if (operation == QLatin1String("revert"))
+            QVERIFY2(client->revert(error, {db}, false, true), qPrintable(error));
+        else if (operation == QLatin1String("revert -k"))
+            QVERIFY2(client->revert(error, {db}, true, false), qPrintable(error));
+        else
+        {
+            QVector<VCS_CHANGE_INFO> pending;
+            QVERIFY2(client->pending_changes(error, pending), qPrintable(error));
+            QCOMPARE(pending.size(), 1);
+            QCOMPARE(pending.first().number, 1610);
+            QCOMPARE(pending.first().description, QStringLiteral("Database changes locked for submit: ") + db);
+        }
+        QStringList made;
+        for (QStringList call : calls())
+        {
+            while (!call.isEmpty() && call.first().startsWith(QLatin1String("-z")))
+                call.removeFirst();
+            made.append(call.join(QLatin1Char(' ')));
+        }
+        QCOMPARE(made, expected.replaceInStrings(QStringLiteral("@ROOT@"), root));
+    }
+
     void missing_client_program_is_a_clear_error()
     {
         qputenv("ORBIN_P4", "/nonexistent/p4");
