@@ -29,6 +29,12 @@ QVector<VCS_ZTAG_RECORD> records_of(const QVector<QString>& output)
 {
     return VCS_ZTAG_RECORD::parse(lines_of(output));
 }
+
+// Collects what the line callback of P4_CONNECTION::run hands over.
+void collect_line(int level, const char* line, void* user_data)
+{
+    static_cast<QList<QPair<int, QString>>*>(user_data)->append(qMakePair(level, QString::fromUtf8(line)));
+}
 } // namespace
 
 class TEST_VCS_GIT : public QObject
@@ -133,8 +139,14 @@ private slots:
         const bool connected = connection.connect(error, QStringLiteral("Orbin"));
         QVector<QString> output;
         const bool ran = connection.run(QStringLiteral("sync"), {}, output);
+        QList<QPair<int, QString>> called;
+        const bool ran_with_callback = connection.run(QStringLiteral("sync"), {}, collect_line, &called);
         const QString root = connection.get_root();
         qunsetenv("ORBIN_GIT");
+        QVERIFY(!ran_with_callback);
+        QVERIFY(!called.isEmpty());
+        QCOMPARE(called.last().first, 2);
+        QVERIFY(called.last().second.contains(expected));
         QVERIFY(!connected);
         QVERIFY2(error.contains(expected), qPrintable(error));
         QVERIFY(!ran);
@@ -160,7 +172,13 @@ private slots:
         QCOMPARE(synced.first().value(QStringLiteral("action")), QStringLiteral("updated"));
         QCOMPARE(synced.first().value(QStringLiteral("rev")), QStringLiteral("2"));
         QCOMPARE(GIT_SANDBOX::read(file(b, QStringLiteral("db/units.xml"))), units_v2);
-        QVERIFY(lines_of(run(b, QStringLiteral("sync"), {})).join('\n').contains(QLatin1String("up-to-date")));
+        P4_CONNECTION quiet(true, true, false);
+        quiet.set_start_directory(b);
+        QList<QPair<int, QString>> called;
+        QVERIFY(quiet.run(QStringLiteral("sync"), {}, collect_line, &called));
+        QCOMPARE(called.size(), 1);
+        QCOMPARE(called.first().first, 1);  // a warning, and no failure
+        QVERIFY(called.first().second.contains(QLatin1String("up-to-date")));
 
         // The shape the layout export reads: "//" stands for the client root.
         const QStringList described = lines_of(run(b, QStringLiteral("describe"), {QStringLiteral("-s"), QStringLiteral("2")}));
