@@ -13,8 +13,8 @@ QString KOR_MERGE_LOG::base_folder()
 
 bool KOR_MERGE_LOG::open(QString& error, const QString& database_path, const QString& caller)
 {
-    const QString name = QDateTime::currentDateTime().toString(QStringLiteral("yyyyMMdd-HHmmss-zzz")) + QLatin1Char('-') +
-                         QFileInfo(database_path).fileName();
+    const QString name = QDateTime::currentDateTime().toString(QStringLiteral("yyyyMMdd-HHmmss-zzz")) +
+                         QLatin1Char('-') + QFileInfo(database_path).fileName();
     log_folder = base_folder() + QLatin1Char('/') + name;
     for (int suffix = 1; QFileInfo::exists(log_folder); ++suffix)
         log_folder = base_folder() + QLatin1Char('/') + name + QStringLiteral("-%1").arg(suffix);
@@ -26,10 +26,12 @@ bool KOR_MERGE_LOG::open(QString& error, const QString& database_path, const QSt
     log_file.setFileName(log_folder + QStringLiteral("/merge.log"));
     if (!log_file.open(QIODevice::WriteOnly | QIODevice::Append | QIODevice::Text))
     {
-        error = QStringLiteral("Cannot write the merge log '%1': %2").arg(log_file.fileName(), log_file.errorString());
+        error = QStringLiteral("Cannot write the merge log '%1': %2")
+                    .arg(log_file.fileName(), log_file.errorString());
         return false;
     }
-    line(QStringLiteral("Merge of '%1'%2").arg(database_path, caller.isEmpty() ? QString() : QStringLiteral(" for ") + caller));
+    line(QStringLiteral("Merge of '%1'%2")
+             .arg(database_path, caller.isEmpty() ? QString() : QStringLiteral(" for ") + caller));
     return true;
 }
 
@@ -37,7 +39,9 @@ void KOR_MERGE_LOG::line(const QString& text)
 {
     if (!log_file.isOpen())
         return;
-    log_file.write((QDateTime::currentDateTime().toString(Qt::ISODate) + QStringLiteral("  ") + text + QLatin1Char('\n')).toUtf8());
+    log_file.write(
+        (QDateTime::currentDateTime().toString(Qt::ISODate) + QStringLiteral("  ") + text + QLatin1Char('\n'))
+            .toUtf8());
     log_file.flush();
 }
 

@@ -19,7 +19,8 @@ const KOR_FIELD_DATA* field_of(const KOR_RECORD_DATA* record, const QString& nam
 
 bool is_blank(const KOR_FIELD_DATA* field)
 {
-    return !field || ((!field->value().isValid() || field->value_text().isEmpty()) && !field->has_approval_data());
+    return !field ||
+           ((!field->value().isValid() || field->value_text().isEmpty()) && !field->has_approval_data());
 }
 
 // Gives a record the field as another record has it, or takes it away.
@@ -56,8 +57,8 @@ bool KOR_RECORD_MERGE::fields_equal(const KOR_FIELD_DATA* first, const KOR_FIELD
 {
     if (!first || !second)
         return is_blank(first) && is_blank(second);
-    return first->value().isValid() == second->value().isValid() && first->value_text() == second->value_text() &&
-           first->approval_data_equals(*second);
+    return first->value().isValid() == second->value().isValid() &&
+           first->value_text() == second->value_text() && first->approval_data_equals(*second);
 }
 
 QStringList KOR_RECORD_MERGE::field_names(const KOR_RECORD_DATA* first, const KOR_RECORD_DATA* second,
@@ -148,10 +149,11 @@ bool KOR_RECORD_MERGE::merge(QString& error, const KOR_TABLE_SCHEMA* schema, con
             // Deleted on one side, changed on the other: the change stays.
             keep(present);
             ++(y ? result.from_yours : result.from_theirs);
-            result.conflicts.append(CONFLICT{uuid, key, QString(), QString(), y ? QStringLiteral("changed") : QStringLiteral("deleted"),
-                                             t ? QStringLiteral("changed") : QStringLiteral("deleted"),
-                                             y ? QStringLiteral("kept the local record; the depot had deleted it")
-                                               : QStringLiteral("kept the depot's changed record; it was deleted locally")});
+            result.conflicts.append(CONFLICT{
+                uuid, key, QString(), QString(), y ? QStringLiteral("changed") : QStringLiteral("deleted"),
+                t ? QStringLiteral("changed") : QStringLiteral("deleted"),
+                y ? QStringLiteral("kept the local record; the depot had deleted it")
+                  : QStringLiteral("kept the depot's changed record; it was deleted locally")});
             continue;
         }
         if (!your_change)
@@ -194,8 +196,10 @@ bool KOR_RECORD_MERGE::merge(QString& error, const KOR_TABLE_SCHEMA* schema, con
         if (!merged->add_record(record, &problem))
         {
             const KOR_RECORD_DATA* holder = merged->record_by_key(record->key());
-            error = QStringLiteral("key '%1' is used by two different records (%2 and %3): merge them by hand")
-                        .arg(record->key(), holder ? holder->uuid().toString() : QStringLiteral("?"), record->uuid().toString());
+            error =
+                QStringLiteral("key '%1' is used by two different records (%2 and %3): merge them by hand")
+                    .arg(record->key(), holder ? holder->uuid().toString() : QStringLiteral("?"),
+                         record->uuid().toString());
             for (int j = i; j < kept.size(); ++j)
                 delete kept.at(j);
             return false;

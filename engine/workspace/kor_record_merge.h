@@ -35,7 +35,7 @@ public:
     {
         QUuid uuid;
         QString key;
-        QString field;  // empty for a conflict of a whole record
+        QString field; // empty for a conflict of a whole record
         QString base_text;
         QString your_text;
         QString their_text;
@@ -45,10 +45,10 @@ public:
     struct RESULT
     {
         std::unique_ptr<KOR_TABLE_DATA> merged;
-        QVector<CONFLICT> conflicts;  // in key order
-        int from_theirs = 0;          // records whose depot change was taken
-        int from_yours = 0;           // records whose local change was kept
-        int deleted = 0;              // records the merge removed
+        QVector<CONFLICT> conflicts; // in key order
+        int from_theirs = 0;         // records whose depot change was taken
+        int from_yours = 0;          // records whose local change was kept
+        int deleted = 0;             // records the merge removed
     };
 
     // All three tables should be read with `schema`; base may be null (a

@@ -17,7 +17,8 @@ KOR_WORKSPACE_FILES::CHANGES local_changes(KOR_XML_QUERY_INTERFACE& query_interf
     QString error;
     std::unique_ptr<VCS_DEPOT> depot = KOR_WORKSPACE_FILES::depot(error, path);
     if (!depot || !KOR_WORKSPACE_FILES::changes(error, *depot, path, changes))
-        KOR_WORKSPACE_FILES::report_once(query_interface, QStringLiteral("Local changes cannot be listed: %1").arg(error), 0);
+        KOR_WORKSPACE_FILES::report_once(query_interface,
+                                         QStringLiteral("Local changes cannot be listed: %1").arg(error), 0);
     return changes;
 }
 } // namespace
@@ -54,13 +55,15 @@ bool KOR_XML_QUERY_INTERFACE::have_latest(const QString& path)
     if (!depot)
     {
         // Nothing newer can exist for a folder without a depot.
-        KOR_WORKSPACE_FILES::report_once(*this, QStringLiteral("The latest revision cannot be checked: %1").arg(error), 0);
+        KOR_WORKSPACE_FILES::report_once(
+            *this, QStringLiteral("The latest revision cannot be checked: %1").arg(error), 0);
         return true;
     }
     QStringList incoming;
     if (!depot->incoming(error, KOR_WORKSPACE_FILES::clean(path), incoming))
     {
-        KOR_WORKSPACE_FILES::report(*this, QStringLiteral("The latest revision cannot be checked: %1").arg(error), 1);
+        KOR_WORKSPACE_FILES::report(
+            *this, QStringLiteral("The latest revision cannot be checked: %1").arg(error), 1);
         return false;
     }
     return incoming.isEmpty();
@@ -113,12 +116,16 @@ bool KOR_XML_QUERY_INTERFACE::revert_changes(QString& error, const QString& path
     if (!files.isEmpty())
     {
         QString copy;
-        if (!KOR_WORKSPACE_FILES::safety_copy(error, path, QStringList(changes.changed_files.begin(), changes.changed_files.end()),
-                                              &copy))
+        if (!KOR_WORKSPACE_FILES::safety_copy(
+                error, path, QStringList(changes.changed_files.begin(), changes.changed_files.end()), &copy))
             return false;
         if (!depot->revert(error, files, false, true))
             return false;
-        KOR_WORKSPACE_FILES::report(*this, QStringLiteral("Reverted %1 changed file(s); copies are in '%2'").arg(changes.changed_files.size()).arg(copy), 0);
+        KOR_WORKSPACE_FILES::report(*this,
+                                    QStringLiteral("Reverted %1 changed file(s); copies are in '%2'")
+                                        .arg(changes.changed_files.size())
+                                        .arg(copy),
+                                    0);
     }
     if (flag)
     {
@@ -126,7 +133,12 @@ bool KOR_XML_QUERY_INTERFACE::revert_changes(QString& error, const QString& path
         QStringList updated;
         QString sync_error;
         if (!depot->sync(sync_error, {KOR_WORKSPACE_FILES::clean(path) + QStringLiteral("/...")}, updated))
-            KOR_WORKSPACE_FILES::report(*this, QStringLiteral("Local changes were reverted, but the newest revision could not be fetched: %1").arg(sync_error), 1);
+            KOR_WORKSPACE_FILES::report(
+                *this,
+                QStringLiteral(
+                    "Local changes were reverted, but the newest revision could not be fetched: %1")
+                    .arg(sync_error),
+                1);
     }
     return true;
 }
@@ -143,7 +155,8 @@ bool KOR_XML_QUERY_INTERFACE::revert_single_table(QString& error, const QString&
     std::unique_ptr<VCS_DEPOT> depot = KOR_WORKSPACE_FILES::depot(error, path);
     if (!depot)
         return false;
-    const QStringList files{KOR_WORKSPACE_FILES::table_file(path, table_name), KOR_WORKSPACE_FILES::schema_file(path, table_name)};
+    const QStringList files{KOR_WORKSPACE_FILES::table_file(path, table_name),
+                            KOR_WORKSPACE_FILES::schema_file(path, table_name)};
     if (!KOR_WORKSPACE_FILES::safety_copy(error, path, files) || !depot->revert(error, files, false, true))
         return false;
     // The loaded data no longer matches the files: ask to be connected again.

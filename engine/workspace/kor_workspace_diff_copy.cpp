@@ -46,21 +46,25 @@ QString KOR_XML_QUERY_INTERFACE::create_db_copy_for_diff(const QString& path, co
     const int change = changelist.trimmed().toInt(&numeric);
     if (!numeric || change <= 0)
     {
-        KOR_WORKSPACE_FILES::report(*this, QStringLiteral("'%1' is not a changelist number").arg(changelist), 2);
+        KOR_WORKSPACE_FILES::report(*this, QStringLiteral("'%1' is not a changelist number").arg(changelist),
+                                    2);
         return QString();
     }
     QString error;
     std::unique_ptr<VCS_DEPOT> depot = KOR_WORKSPACE_FILES::depot(error, path);
     if (!depot)
     {
-        KOR_WORKSPACE_FILES::report(*this, QStringLiteral("No copy at change %1 can be made: %2").arg(change).arg(error), 2);
+        KOR_WORKSPACE_FILES::report(
+            *this, QStringLiteral("No copy at change %1 can be made: %2").arg(change).arg(error), 2);
         return QString();
     }
     const QString folder = KOR_WORKSPACE_FILES::clean(path);
-    const QByteArray digest = QCryptographicHash::hash(folder.toUtf8(), QCryptographicHash::Sha1).toHex().left(10);
-    const QString target = copies_folder() + QStringLiteral("/%1-%2-%3")
-                                                 .arg(QFileInfo(folder).fileName(), QString::fromLatin1(digest))
-                                                 .arg(change);
+    const QByteArray digest =
+        QCryptographicHash::hash(folder.toUtf8(), QCryptographicHash::Sha1).toHex().left(10);
+    const QString target =
+        copies_folder() + QStringLiteral("/%1-%2-%3")
+                              .arg(QFileInfo(folder).fileName(), QString::fromLatin1(digest))
+                              .arg(change);
     if (QFileInfo::exists(target + QLatin1Char('/') + complete_marker))
     {
         // Rewriting the marker marks the copy as used.
@@ -77,10 +81,11 @@ QString KOR_XML_QUERY_INTERFACE::create_db_copy_for_diff(const QString& path, co
         !marker.open(QIODevice::WriteOnly))
     {
         QDir(building).removeRecursively();
-        KOR_WORKSPACE_FILES::report(*this, QStringLiteral("No copy of '%1' at change %2 could be made: %3")
-                                               .arg(path)
-                                               .arg(change)
-                                               .arg(error.isEmpty() ? marker.errorString() : error),
+        KOR_WORKSPACE_FILES::report(*this,
+                                    QStringLiteral("No copy of '%1' at change %2 could be made: %3")
+                                        .arg(path)
+                                        .arg(change)
+                                        .arg(error.isEmpty() ? marker.errorString() : error),
                                     2);
         return QString();
     }
@@ -90,7 +95,8 @@ QString KOR_XML_QUERY_INTERFACE::create_db_copy_for_diff(const QString& path, co
     if (!origin.open(QIODevice::WriteOnly) || origin.write((folder + QLatin1Char('\n')).toUtf8()) < 0)
     {
         QDir(building).removeRecursively();
-        KOR_WORKSPACE_FILES::report(*this, QStringLiteral("Cannot write into the copy '%1'").arg(building), 2);
+        KOR_WORKSPACE_FILES::report(*this, QStringLiteral("Cannot write into the copy '%1'").arg(building),
+                                    2);
         return QString();
     }
     origin.close();

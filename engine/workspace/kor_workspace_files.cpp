@@ -21,7 +21,8 @@ std::unique_ptr<VCS_DEPOT> KOR_WORKSPACE_FILES::depot(QString& error, const QStr
 {
     if (KOR_DB_FILE::single_db_mode())
     {
-        error = QStringLiteral("The database '%1' is used offline without version control").arg(database_path);
+        error =
+            QStringLiteral("The database '%1' is used offline without version control").arg(database_path);
         return nullptr;
     }
     if (database_path.isEmpty() || !QFileInfo(database_path).isDir())
@@ -42,7 +43,8 @@ QString KOR_WORKSPACE_FILES::schema_file(const QString& database_path, const QSt
     return clean(database_path) + QLatin1Char('/') + KOR_TABLE_IO::schema_file_relative(table);
 }
 
-KOR_WORKSPACE_FILES::KIND KOR_WORKSPACE_FILES::kind_of(const QString& database_path, const QString& file, QString* table)
+KOR_WORKSPACE_FILES::KIND KOR_WORKSPACE_FILES::kind_of(const QString& database_path, const QString& file,
+                                                       QString* table)
 {
     const QString folder = clean(database_path);
     const QString path = clean(file);
@@ -56,7 +58,8 @@ KOR_WORKSPACE_FILES::KIND KOR_WORKSPACE_FILES::kind_of(const QString& database_p
             *table = parts.first().chopped(4);
         return TABLE_DATA;
     }
-    if (parts.size() == 2 && parts.first() == KOR_TABLE_IO::schema_folder_name() && parts.last().endsWith(QLatin1String(".xml")))
+    if (parts.size() == 2 && parts.first() == KOR_TABLE_IO::schema_folder_name() &&
+        parts.last().endsWith(QLatin1String(".xml")))
     {
         if (table)
             *table = parts.last().chopped(4);
@@ -65,7 +68,8 @@ KOR_WORKSPACE_FILES::KIND KOR_WORKSPACE_FILES::kind_of(const QString& database_p
     return OTHER;
 }
 
-bool KOR_WORKSPACE_FILES::changes(QString& error, VCS_DEPOT& depot, const QString& database_path, CHANGES& out)
+bool KOR_WORKSPACE_FILES::changes(QString& error, VCS_DEPOT& depot, const QString& database_path,
+                                  CHANGES& out)
 {
     out = CHANGES();
     if (!depot.status(error, clean(database_path), out.statuses))
@@ -126,18 +130,21 @@ bool KOR_WORKSPACE_FILES::safety_copy(QString& error, const QString& database_pa
     if (base.isEmpty())
         base = QDir::homePath() + QStringLiteral("/.cache");
     base += QStringLiteral("/orbin/safety");
-    QString target = base + QLatin1Char('/') + QDateTime::currentDateTime().toString(QStringLiteral("yyyyMMdd-HHmmss-zzz"));
+    QString target = base + QLatin1Char('/') +
+                     QDateTime::currentDateTime().toString(QStringLiteral("yyyyMMdd-HHmmss-zzz"));
     for (int suffix = 1; QFileInfo::exists(target); ++suffix)
         target = target.section(QLatin1Char('~'), 0, 0) + QStringLiteral("~%1").arg(suffix);
     const QString root = clean(database_path);
     for (const QString& file : qAsConst(present))
     {
-        const QString relative = file.startsWith(root + QLatin1Char('/')) ? file.mid(root.size() + 1)
-                                                                          : QStringLiteral("outside/") + QFileInfo(file).fileName();
+        const QString relative = file.startsWith(root + QLatin1Char('/'))
+                                     ? file.mid(root.size() + 1)
+                                     : QStringLiteral("outside/") + QFileInfo(file).fileName();
         const QString destination = target + QLatin1Char('/') + relative;
         if (!QDir().mkpath(QFileInfo(destination).absolutePath()) || !QFile::copy(file, destination))
         {
-            error = QStringLiteral("Cannot keep a safety copy of '%1' in '%2'; nothing was changed").arg(file, target);
+            error = QStringLiteral("Cannot keep a safety copy of '%1' in '%2'; nothing was changed")
+                        .arg(file, target);
             return false;
         }
     }
@@ -154,7 +161,8 @@ void KOR_WORKSPACE_FILES::report(KOR_XML_QUERY_INTERFACE& query_interface, const
     query_interface.engine_private()->report(text, severity);
 }
 
-void KOR_WORKSPACE_FILES::report_once(KOR_XML_QUERY_INTERFACE& query_interface, const QString& text, int severity)
+void KOR_WORKSPACE_FILES::report_once(KOR_XML_QUERY_INTERFACE& query_interface, const QString& text,
+                                      int severity)
 {
     const QByteArray name = "orbin_reported_" + QByteArray::number(qHash(text));
     if (query_interface.property(name.constData()).toBool())

@@ -24,8 +24,8 @@ public:
 
     enum KIND
     {
-        TABLE_DATA,    // "<table>.xml" at the top of the folder
-        TABLE_SCHEMA,  // "Veld_schemas/<table>.xml"
+        TABLE_DATA,   // "<table>.xml" at the top of the folder
+        TABLE_SCHEMA, // "Veld_schemas/<table>.xml"
         OTHER
     };
     // What a file of the database folder is; table receives the table's name.
@@ -37,11 +37,11 @@ public:
     // whether or not the files are opened.
     struct CHANGES
     {
-        QSet<QString> changed_tables;   // data file edited or added
-        QSet<QString> changed_schemas;  // schema file edited or added
-        QSet<QString> deleted_tables;   // schema file deleted (or data file deleted with no schema left)
-        QSet<QString> added_files;      // absolute paths of new files
-        QSet<QString> changed_files;    // absolute paths of every changed, added or deleted file
+        QSet<QString> changed_tables;  // data file edited or added
+        QSet<QString> changed_schemas; // schema file edited or added
+        QSet<QString> deleted_tables;  // schema file deleted (or data file deleted with no schema left)
+        QSet<QString> added_files;     // absolute paths of new files
+        QSet<QString> changed_files;   // absolute paths of every changed, added or deleted file
         QVector<VCS_FILE_STATUS> statuses;
     };
     static bool changes(QString& error, VCS_DEPOT& depot, const QString& database_path, CHANGES& out);

@@ -48,10 +48,12 @@ public:
     void leave(const QString& file, const QString& reason)
     {
         left_by_hand.append(QFileInfo(file).fileName());
-        say(QStringLiteral("%1 was not merged: %2. The local version stays and waits for a merge by hand").arg(file, reason));
+        say(QStringLiteral("%1 was not merged: %2. The local version stays and waits for a merge by hand")
+                .arg(file, reason));
     }
 
-    bool read_revision(QString& error, const QString& file, const QString& revision, QByteArray& bytes, bool& exists)
+    bool read_revision(QString& error, const QString& file, const QString& revision, QByteArray& bytes,
+                       bool& exists)
     {
         bytes.clear();
         exists = false;
@@ -92,14 +94,16 @@ public:
         }
         if (!their_exists || !QFileInfo(open_resolve.path).isFile())
         {
-            leave(open_resolve.path, their_exists ? QStringLiteral("it was deleted locally and changed in the depot")
-                                                  : QStringLiteral("it was deleted in the depot and changed locally"));
+            leave(open_resolve.path, their_exists
+                                         ? QStringLiteral("it was deleted locally and changed in the depot")
+                                         : QStringLiteral("it was deleted in the depot and changed locally"));
             return;
         }
         KOR_TABLE_DATA base(schema.get());
         KOR_TABLE_DATA yours(schema.get());
         KOR_TABLE_DATA theirs(schema.get());
-        if ((base_exists && !KOR_TABLE_IO::read_table_bytes(error, base_bytes, open_resolve.base_revision, *schema, base)) ||
+        if ((base_exists &&
+             !KOR_TABLE_IO::read_table_bytes(error, base_bytes, open_resolve.base_revision, *schema, base)) ||
             !KOR_TABLE_IO::read_table_file(error, open_resolve.path, *schema, yours) ||
             !KOR_TABLE_IO::read_table_bytes(error, their_bytes, open_resolve.their_revision, *schema, theirs))
         {
@@ -107,7 +111,8 @@ public:
             return;
         }
         KOR_RECORD_MERGE::RESULT result;
-        if (!KOR_RECORD_MERGE::merge(error, schema.get(), base_exists ? &base : nullptr, yours, theirs, result))
+        if (!KOR_RECORD_MERGE::merge(error, schema.get(), base_exists ? &base : nullptr, yours, theirs,
+                                     result))
         {
             leave(open_resolve.path, error);
             return;
@@ -135,9 +140,11 @@ public:
             ++conflicts;
             if (conflict.field.isEmpty())
                 say(QStringLiteral("Conflict in table %1, record '%2': %3 locally, %4 in the depot: %5")
-                        .arg(table, conflict.key, conflict.your_text, conflict.their_text, conflict.resolution));
+                        .arg(table, conflict.key, conflict.your_text, conflict.their_text,
+                             conflict.resolution));
             else
-                say(QStringLiteral("Conflict in table %1, record '%2', field '%3': local '%4', depot '%5' (was '%6'): %7")
+                say(QStringLiteral("Conflict in table %1, record '%2', field '%3': local '%4', depot '%5' "
+                                   "(was '%6'): %7")
                         .arg(table, conflict.key, conflict.field, conflict.your_text, conflict.their_text,
                              conflict.base_text, conflict.resolution));
         }
@@ -145,7 +152,8 @@ public:
 };
 
 // The merge of basic_merge and merge_for_checkin.
-bool merge_database(KOR_XML_QUERY_INTERFACE& query, QString& error, const QString& path, const QString& caller)
+bool merge_database(KOR_XML_QUERY_INTERFACE& query, QString& error, const QString& path,
+                    const QString& caller)
 {
     error.clear();
     query.setProperty(touched_property, QStringList());
@@ -200,15 +208,19 @@ bool merge_database(KOR_XML_QUERY_INTERFACE& query, QString& error, const QStrin
     if (!depot->unresolved(error, database, open_resolves))
         return false;
     // Schemas first: a table is read with its merged schema.
-    std::stable_sort(open_resolves.begin(), open_resolves.end(), [&](const VCS_UNRESOLVED& a, const VCS_UNRESOLVED& b) {
-        const bool a_schema = KOR_WORKSPACE_FILES::kind_of(database, a.path) == KOR_WORKSPACE_FILES::TABLE_SCHEMA;
-        const bool b_schema = KOR_WORKSPACE_FILES::kind_of(database, b.path) == KOR_WORKSPACE_FILES::TABLE_SCHEMA;
-        return a_schema != b_schema ? a_schema : a.path < b.path;
-    });
+    std::stable_sort(open_resolves.begin(), open_resolves.end(),
+                     [&](const VCS_UNRESOLVED& a, const VCS_UNRESOLVED& b) {
+                         const bool a_schema = KOR_WORKSPACE_FILES::kind_of(database, a.path) ==
+                                               KOR_WORKSPACE_FILES::TABLE_SCHEMA;
+                         const bool b_schema = KOR_WORKSPACE_FILES::kind_of(database, b.path) ==
+                                               KOR_WORKSPACE_FILES::TABLE_SCHEMA;
+                         return a_schema != b_schema ? a_schema : a.path < b.path;
+                     });
     for (const VCS_UNRESOLVED& open_resolve : qAsConst(open_resolves))
     {
         QString table;
-        if (KOR_WORKSPACE_FILES::kind_of(database, open_resolve.path, &table) == KOR_WORKSPACE_FILES::TABLE_DATA)
+        if (KOR_WORKSPACE_FILES::kind_of(database, open_resolve.path, &table) ==
+            KOR_WORKSPACE_FILES::TABLE_DATA)
             run.merge_table(open_resolve, table);
         else
             run.merge_text(open_resolve);
@@ -218,23 +230,26 @@ bool merge_database(KOR_XML_QUERY_INTERFACE& query, QString& error, const QStrin
 
     if (!run.left_by_hand.isEmpty())
     {
-        error = QStringLiteral("The merge left %1 file(s) to merge by hand (%2); the local versions are kept, and "
-                               "copies and the log are in '%3'")
+        error = QStringLiteral(
+                    "The merge left %1 file(s) to merge by hand (%2); the local versions are kept, and "
+                    "copies and the log are in '%3'")
                     .arg(run.left_by_hand.size())
                     .arg(run.left_by_hand.join(QStringLiteral(", ")), run.log.folder());
         run.say(error);
         return false;
     }
-    run.say(QStringLiteral("Merge finished: %1 locally edited table(s) merged, %2 conflict(s) settled by keeping "
-                           "the local value; log in '%3'")
-                .arg(run.touched.size())
-                .arg(run.conflicts)
-                .arg(run.log.folder()));
+    run.say(
+        QStringLiteral("Merge finished: %1 locally edited table(s) merged, %2 conflict(s) settled by keeping "
+                       "the local value; log in '%3'")
+            .arg(run.touched.size())
+            .arg(run.conflicts)
+            .arg(run.log.folder()));
     return true;
 }
 } // namespace
 
-bool KOR_XML_QUERY_INTERFACE::basic_merge(QString& error, const QString& path, GET_LATEST_MODE mode, bool flag)
+bool KOR_XML_QUERY_INTERFACE::basic_merge(QString& error, const QString& path, GET_LATEST_MODE mode,
+                                          bool flag)
 {
     Q_UNUSED(mode);
     Q_UNUSED(flag);
@@ -287,7 +302,8 @@ KOR_CHANGED_FIELDS KOR_XML_QUERY_INTERFACE::changed_fields(const QString& table_
     if (!depot->read_file(error, file, QStringLiteral("#have"), bytes, exists))
         return changes;
     KOR_TABLE_DATA have(schema);
-    if (exists && !KOR_TABLE_IO::read_table_bytes(error, bytes, file + QStringLiteral("#have"), *schema, have))
+    if (exists &&
+        !KOR_TABLE_IO::read_table_bytes(error, bytes, file + QStringLiteral("#have"), *schema, have))
         return changes;
 
     for (auto it = current->records_by_uuid().begin(); it != current->records_by_uuid().end(); ++it)

@@ -35,7 +35,8 @@ bool find_locked_change(QString& error, VCS_DEPOT& depot, const QString& path, i
 }
 
 // Local files (of the database and, when given, of the exported data) opened in a change.
-bool files_in_change(QString& error, VCS_DEPOT& depot, const QStringList& folders, int change, QStringList& files)
+bool files_in_change(QString& error, VCS_DEPOT& depot, const QStringList& folders, int change,
+                     QStringList& files)
 {
     files.clear();
     for (const QString& folder : folders)
@@ -45,7 +46,8 @@ bool files_in_change(QString& error, VCS_DEPOT& depot, const QStringList& folder
             return false;
         for (const VCS_FILE_STATUS& status : qAsConst(statuses))
         {
-            if (status.opened != VCS_ACTION::NONE && status.opened_change == change && !files.contains(status.path))
+            if (status.opened != VCS_ACTION::NONE && status.opened_change == change &&
+                !files.contains(status.path))
                 files.append(status.path);
         }
     }
@@ -60,7 +62,8 @@ QStringList lock_folders(const QString& path, const QString& design_data_path, V
     {
         const QString design = KOR_WORKSPACE_FILES::clean(design_data_path);
         const QString root = depot.root();
-        if (!root.isEmpty() && (design == root || design.startsWith(root + QLatin1Char('/'))) && !folders.contains(design))
+        if (!root.isEmpty() && (design == root || design.startsWith(root + QLatin1Char('/'))) &&
+            !folders.contains(design))
             folders.append(design);
     }
     return folders;
@@ -110,7 +113,8 @@ bool submit_files(QString& error, VCS_DEPOT& depot, const QStringList& added, co
 }
 
 // Sorts request files into new ones and ones the depot has.
-bool sort_by_presence(QString& error, VCS_DEPOT& depot, const QStringList& files, QStringList& added, QStringList& edited)
+bool sort_by_presence(QString& error, VCS_DEPOT& depot, const QStringList& files, QStringList& added,
+                      QStringList& edited)
 {
     for (const QString& file : files)
     {
@@ -137,7 +141,8 @@ bool KOR_XML_QUERY_INTERFACE::unlock_database(const QString& path)
     std::unique_ptr<VCS_DEPOT> depot = KOR_WORKSPACE_FILES::depot(error, path);
     if (!depot || !depot->unlock(error, KOR_WORKSPACE_FILES::clean(path)))
     {
-        KOR_WORKSPACE_FILES::report(*this, QStringLiteral("The database lock was not released: %1").arg(error), 1);
+        KOR_WORKSPACE_FILES::report(*this,
+                                    QStringLiteral("The database lock was not released: %1").arg(error), 1);
         return false;
     }
     return true;
@@ -151,7 +156,8 @@ bool KOR_XML_QUERY_INTERFACE::is_database_locked(const QString& path, QString& l
     VCS_LOCK_INFO holder;
     if (!depot || !depot->lock_holder(error, KOR_WORKSPACE_FILES::clean(path), holder))
     {
-        KOR_WORKSPACE_FILES::report_once(*this, QStringLiteral("The database lock cannot be read: %1").arg(error), 0);
+        KOR_WORKSPACE_FILES::report_once(
+            *this, QStringLiteral("The database lock cannot be read: %1").arg(error), 0);
         return false;
     }
     if (holder.held)
@@ -159,7 +165,8 @@ bool KOR_XML_QUERY_INTERFACE::is_database_locked(const QString& path, QString& l
     return holder.held;
 }
 
-bool KOR_XML_QUERY_INTERFACE::lock_for_submit(QString& error, const QString& path, const QString& design_data_path)
+bool KOR_XML_QUERY_INTERFACE::lock_for_submit(QString& error, const QString& path,
+                                              const QString& design_data_path)
 {
     error.clear();
     std::unique_ptr<VCS_DEPOT> depot = KOR_WORKSPACE_FILES::depot(error, path);
@@ -189,7 +196,7 @@ bool KOR_XML_QUERY_INTERFACE::lock_for_submit(QString& error, const QString& pat
     if (to_open.isEmpty())
     {
         if (change != 0)
-            return true;  // locked already
+            return true; // locked already
         error = QStringLiteral("No changes to submit");
         return false;
     }
@@ -205,7 +212,8 @@ bool KOR_XML_QUERY_INTERFACE::lock_for_submit(QString& error, const QString& pat
         if (status.opened != VCS_ACTION::NONE)
         {
             QVector<VCS_OUTPUT_LINE> output;
-            ok = depot->run(QStringLiteral("reopen"), {QStringLiteral("-c"), QString::number(change), status.path}, QString(), output);
+            ok = depot->run(QStringLiteral("reopen"),
+                            {QStringLiteral("-c"), QString::number(change), status.path}, QString(), output);
             if (!ok)
                 failure = output.isEmpty() ? QStringLiteral("reopen failed") : output.last().text;
         }
@@ -240,7 +248,7 @@ bool KOR_XML_QUERY_INTERFACE::revert_locked(QString& error, const QString& path,
     if (!find_locked_change(error, *depot, path, change))
         return false;
     if (change == 0)
-        return true;  // nothing is locked
+        return true; // nothing is locked
     QStringList files;
     QStringList folders{KOR_WORKSPACE_FILES::clean(path)};
     for (const QString& file : qAsConst(added_files))
@@ -284,7 +292,9 @@ bool KOR_XML_QUERY_INTERFACE::submit_locked(QString& error, const QString& descr
         return false;
     if (!open_resolves.isEmpty())
     {
-        error = QStringLiteral("%1 file(s) wait for a merge: merge with the latest revision before submitting").arg(open_resolves.size());
+        error =
+            QStringLiteral("%1 file(s) wait for a merge: merge with the latest revision before submitting")
+                .arg(open_resolves.size());
         return false;
     }
     QStringList incoming;
@@ -298,7 +308,8 @@ bool KOR_XML_QUERY_INTERFACE::submit_locked(QString& error, const QString& descr
     }
     if (!stale.isEmpty())
     {
-        error = QStringLiteral("The database is out of date (%1): merge with the latest revision before submitting")
+        error = QStringLiteral(
+                    "The database is out of date (%1): merge with the latest revision before submitting")
                     .arg(stale.join(QStringLiteral(", ")));
         return false;
     }
@@ -320,7 +331,8 @@ bool KOR_XML_QUERY_INTERFACE::submit_directory_removal(QString& error, const QSt
     QVector<VCS_OUTPUT_LINE> output;
     if (!depot->run(QStringLiteral("have"), {folder + QStringLiteral("/...")}, QString(), output))
     {
-        error = output.isEmpty() ? QStringLiteral("The files of '%1' cannot be listed").arg(directory) : output.last().text;
+        error = output.isEmpty() ? QStringLiteral("The files of '%1' cannot be listed").arg(directory)
+                                 : output.last().text;
         return false;
     }
     QStringList lines;
@@ -342,11 +354,12 @@ bool KOR_XML_QUERY_INTERFACE::submit_directory_removal(QString& error, const QSt
     if (!KOR_WORKSPACE_FILES::safety_copy(error, directory, files, &copy))
         return false;
     return submit_files(error, *depot, {}, {}, files,
-                        description.trimmed().isEmpty() ? QStringLiteral("Remove %1").arg(directory) : description);
+                        description.trimmed().isEmpty() ? QStringLiteral("Remove %1").arg(directory)
+                                                        : description);
 }
 
-bool KOR_XML_QUERY_INTERFACE::submit_schema_changes_request(QString& error, const QString& first, const QString& second,
-                                                            const QString& third)
+bool KOR_XML_QUERY_INTERFACE::submit_schema_changes_request(QString& error, const QString& first,
+                                                            const QString& second, const QString& third)
 {
     // (database folder, request name, comments): a request folder with the
     // state file "requested", the comments, and the database's update
@@ -354,7 +367,8 @@ bool KOR_XML_QUERY_INTERFACE::submit_schema_changes_request(QString& error, cons
     error.clear();
     const QString path = first;
     const QString name = second.trimmed();
-    if (name.isEmpty() || name.contains(QLatin1Char('/')) || name.contains(QLatin1Char('\\')) || name.startsWith(QLatin1Char('.')))
+    if (name.isEmpty() || name.contains(QLatin1Char('/')) || name.contains(QLatin1Char('\\')) ||
+        name.startsWith(QLatin1Char('.')))
     {
         error = QStringLiteral("'%1' cannot name a request").arg(second);
         return false;
@@ -362,15 +376,18 @@ bool KOR_XML_QUERY_INTERFACE::submit_schema_changes_request(QString& error, cons
     std::unique_ptr<VCS_DEPOT> depot = KOR_WORKSPACE_FILES::depot(error, path);
     if (!depot)
         return false;
-    const QString folder = KOR_WORKSPACE_FILES::clean(path) + QLatin1Char('/') + requests_folder + QLatin1Char('/') + name;
+    const QString folder =
+        KOR_WORKSPACE_FILES::clean(path) + QLatin1Char('/') + requests_folder + QLatin1Char('/') + name;
     if (QFileInfo::exists(folder))
     {
         error = QStringLiteral("A request named '%1' exists already").arg(name);
         return false;
     }
     QStringList files{folder + QStringLiteral("/requested"), folder + QStringLiteral("/comments.txt")};
-    const QByteArray state = QStringLiteral("%1\n%2\n").arg(VCS_IDENTITY::user_name(),
-                                                            QDateTime::currentDateTimeUtc().toString(Qt::ISODate)).toUtf8();
+    const QByteArray state =
+        QStringLiteral("%1\n%2\n")
+            .arg(VCS_IDENTITY::user_name(), QDateTime::currentDateTimeUtc().toString(Qt::ISODate))
+            .toUtf8();
     if (!write_text(error, files.at(0), state) || !write_text(error, files.at(1), third.toUtf8()))
         return false;
     const QString commands = KOR_WORKSPACE_FILES::clean(path) + QStringLiteral("/update_commands.txt");
@@ -392,14 +409,15 @@ bool KOR_XML_QUERY_INTERFACE::submit_schema_changes_request(QString& error, cons
     return true;
 }
 
-bool KOR_XML_QUERY_INTERFACE::submit_request_change(QString& error, const QString& first, const QString& second,
-                                                    const QString& third)
+bool KOR_XML_QUERY_INTERFACE::submit_request_change(QString& error, const QString& first,
+                                                    const QString& second, const QString& third)
 {
     // (database folder, request name, new state): the state file of the
     // request becomes "requested", "in progress" or "on hold"; "<<deleted>>"
     // removes the request.
     error.clear();
-    static const QStringList states{QStringLiteral("requested"), QStringLiteral("in progress"), QStringLiteral("on hold")};
+    static const QStringList states{QStringLiteral("requested"), QStringLiteral("in progress"),
+                                    QStringLiteral("on hold")};
     const QString state = third.trimmed();
     if (!states.contains(state) && state != QLatin1String("<<deleted>>"))
     {
@@ -409,7 +427,8 @@ bool KOR_XML_QUERY_INTERFACE::submit_request_change(QString& error, const QStrin
     std::unique_ptr<VCS_DEPOT> depot = KOR_WORKSPACE_FILES::depot(error, first);
     if (!depot)
         return false;
-    const QString folder = KOR_WORKSPACE_FILES::clean(first) + QLatin1Char('/') + requests_folder + QLatin1Char('/') + second.trimmed();
+    const QString folder = KOR_WORKSPACE_FILES::clean(first) + QLatin1Char('/') + requests_folder +
+                           QLatin1Char('/') + second.trimmed();
     if (second.trimmed().isEmpty() || !QFileInfo(folder).isDir())
     {
         error = QStringLiteral("There is no request named '%1'").arg(second);
@@ -434,9 +453,12 @@ bool KOR_XML_QUERY_INTERFACE::submit_request_change(QString& error, const QStrin
     if (state != QLatin1String("<<deleted>>"))
     {
         const QString state_file = folder + QLatin1Char('/') + state;
-        const QByteArray text = QStringLiteral("%1\n%2\n").arg(VCS_IDENTITY::user_name(),
-                                                               QDateTime::currentDateTimeUtc().toString(Qt::ISODate)).toUtf8();
-        if (!write_text(error, state_file, text) || !sort_by_presence(error, *depot, {state_file}, added, edited))
+        const QByteArray text =
+            QStringLiteral("%1\n%2\n")
+                .arg(VCS_IDENTITY::user_name(), QDateTime::currentDateTimeUtc().toString(Qt::ISODate))
+                .toUtf8();
+        if (!write_text(error, state_file, text) ||
+            !sort_by_presence(error, *depot, {state_file}, added, edited))
             return false;
     }
     return submit_files(error, *depot, added, edited, removed,

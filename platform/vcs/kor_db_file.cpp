@@ -143,7 +143,8 @@ bool KOR_DB_FILE::single_db_mode()
 QString KOR_DB_FILE::shelf_folder(const QString& path)
 {
     const QString folder = database_folder(path);
-    const QByteArray digest = QCryptographicHash::hash(folder.toUtf8(), QCryptographicHash::Sha1).toHex().left(12);
+    const QByteArray digest =
+        QCryptographicHash::hash(folder.toUtf8(), QCryptographicHash::Sha1).toHex().left(12);
     QString base = QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation);
     if (base.isEmpty())
         base = QDir::homePath() + QStringLiteral("/.local/share");
@@ -175,17 +176,20 @@ bool KOR_DB_FILE::local_db_exists_with_changes(const QString& path)
     return changed_files(error, *depot, database_folder(path), changes) && !changes.isEmpty();
 }
 
-bool KOR_DB_FILE::shelve_db(const QString& path, const QString& name, PROGRESS_CALLBACK* progress, bool delete_local)
+bool KOR_DB_FILE::shelve_db(const QString& path, const QString& name, PROGRESS_CALLBACK* progress,
+                            bool delete_local)
 {
     if (!valid_name(name))
     {
-        report(progress, QStringLiteral("'%1' is not a shelf name: use letters, digits and '_' only").arg(name), 2);
+        report(progress,
+               QStringLiteral("'%1' is not a shelf name: use letters, digits and '_' only").arg(name), 2);
         return false;
     }
     if (single_db_mode())
     {
-        report(progress, QStringLiteral("Shelving needs the database under version control; this single offline "
-                                        "database has no depot to compare with"),
+        report(progress,
+               QStringLiteral("Shelving needs the database under version control; this single offline "
+                              "database has no depot to compare with"),
                2);
         return false;
     }
@@ -201,7 +205,10 @@ bool KOR_DB_FILE::shelve_db(const QString& path, const QString& name, PROGRESS_C
     if (QFileInfo::exists(target))
     {
         // Replacing would throw the earlier shelf away.
-        report(progress, QStringLiteral("A shelf named '%1' exists already; delete it first or choose another name").arg(name), 2);
+        report(progress,
+               QStringLiteral("A shelf named '%1' exists already; delete it first or choose another name")
+                   .arg(name),
+               2);
         return false;
     }
     QVector<VCS_FILE_STATUS> changes;
@@ -228,7 +235,10 @@ bool KOR_DB_FILE::shelve_db(const QString& path, const QString& name, PROGRESS_C
             files.append(status.path);
         if (!depot->revert(error, files, false, true))
         {
-            report(progress, QStringLiteral("The shelf was made but the local changes could not be removed: %1").arg(error), 2);
+            report(progress,
+                   QStringLiteral("The shelf was made but the local changes could not be removed: %1")
+                       .arg(error),
+                   2);
             return false;
         }
         report(progress, QStringLiteral("Local changes removed after shelving"), 0);
@@ -236,7 +246,8 @@ bool KOR_DB_FILE::shelve_db(const QString& path, const QString& name, PROGRESS_C
     return true;
 }
 
-bool KOR_DB_FILE::unshelve_db(const QString& path, const QString& name, PROGRESS_CALLBACK* progress, bool delete_shelf)
+bool KOR_DB_FILE::unshelve_db(const QString& path, const QString& name, PROGRESS_CALLBACK* progress,
+                              bool delete_shelf)
 {
     if (!valid_name(name))
     {
@@ -284,9 +295,11 @@ bool KOR_DB_FILE::unshelve_db(const QString& path, const QString& name, PROGRESS
     {
         const QString backup = QStringLiteral("before_unshelve_") +
                                QDateTime::currentDateTime().toString(QStringLiteral("yyyyMMdd_HHmmss_zzz"));
-        if (!write_shelf(error, *depot, folder, backup, local, shelf_folder(path) + QLatin1Char('/') + backup))
+        if (!write_shelf(error, *depot, folder, backup, local,
+                         shelf_folder(path) + QLatin1Char('/') + backup))
         {
-            report(progress, QStringLiteral("Cannot keep the local changes before unshelving: %1").arg(error), 2);
+            report(progress, QStringLiteral("Cannot keep the local changes before unshelving: %1").arg(error),
+                   2);
             return false;
         }
         report(progress, QStringLiteral("Local changes kept in the shelf '%1'").arg(backup), 0);
@@ -295,7 +308,9 @@ bool KOR_DB_FILE::unshelve_db(const QString& path, const QString& name, PROGRESS
             paths.append(status.path);
         if (!depot->revert(error, paths, false, true))
         {
-            report(progress, QStringLiteral("Cannot unshelve, the local changes could not be removed: %1").arg(error), 2);
+            report(progress,
+                   QStringLiteral("Cannot unshelve, the local changes could not be removed: %1").arg(error),
+                   2);
             return false;
         }
     }
@@ -308,7 +323,8 @@ bool KOR_DB_FILE::unshelve_db(const QString& path, const QString& name, PROGRESS
         if (relative.isEmpty() || relative.contains(QLatin1String("..")))
             continue;
         const QString local_file = folder + QLatin1Char('/') + relative;
-        const VCS_ACTION action = VCS_DEPOT::action_from_name(entry.value(QStringLiteral("action")).toString());
+        const VCS_ACTION action =
+            VCS_DEPOT::action_from_name(entry.value(QStringLiteral("action")).toString());
         const int base_change = entry.value(QStringLiteral("base_change")).toInt();
         if (base_change > 0)
         {
@@ -319,10 +335,11 @@ bool KOR_DB_FILE::unshelve_db(const QString& path, const QString& name, PROGRESS
             {
                 QStringList synced;
                 if (!depot->sync(error, {local_file + QStringLiteral("@%1").arg(base_change)}, synced))
-                    report(progress, QStringLiteral("'%1' could not be brought back to change %2: %3")
-                                         .arg(local_file)
-                                         .arg(base_change)
-                                         .arg(error),
+                    report(progress,
+                           QStringLiteral("'%1' could not be brought back to change %2: %3")
+                               .arg(local_file)
+                               .arg(base_change)
+                               .arg(error),
                            1);
             }
         }
@@ -339,7 +356,8 @@ bool KOR_DB_FILE::unshelve_db(const QString& path, const QString& name, PROGRESS
             continue;
         }
         if (action == VCS_ACTION::EDIT && !depot->open(error, {local_file}, VCS_ACTION::EDIT, 0))
-            report(progress, QStringLiteral("'%1' could not be opened for edit: %2").arg(local_file, error), 1);
+            report(progress, QStringLiteral("'%1' could not be opened for edit: %2").arg(local_file, error),
+                   1);
         if (!copy_file(error, shelf + QStringLiteral("/files/") + relative, local_file))
         {
             report(progress, error, 2);
@@ -347,7 +365,8 @@ bool KOR_DB_FILE::unshelve_db(const QString& path, const QString& name, PROGRESS
             continue;
         }
         if (action == VCS_ACTION::ADD && !depot->open(error, {local_file}, VCS_ACTION::ADD, 0))
-            report(progress, QStringLiteral("'%1' could not be opened for add: %2").arg(local_file, error), 1);
+            report(progress, QStringLiteral("'%1' could not be opened for add: %2").arg(local_file, error),
+                   1);
     }
     if (!all_ok)
         return false;

@@ -13,7 +13,8 @@ QString slashed(const QString& path)
 // The change number of the first record of a "changes" answer.
 bool first_change(const QVector<QString>& output, int& change)
 {
-    const QVector<VCS_ZTAG_RECORD> records = VCS_ZTAG_RECORD::parse(QStringList(output.begin(), output.end()));
+    const QVector<VCS_ZTAG_RECORD> records =
+        VCS_ZTAG_RECORD::parse(QStringList(output.begin(), output.end()));
     for (const VCS_ZTAG_RECORD& record : records)
     {
         if (record.contains(QStringLiteral("change")))
@@ -31,9 +32,10 @@ bool KOR_DB_PERFORCE::get_changelist_number(QString& error, int& changelist, con
 {
     changelist = 0;
     QVector<QString> output;
-    const QStringList arguments = have_revision
-                                      ? QStringList{QStringLiteral("-m1"), slashed(path) + QStringLiteral("#have")}
-                                      : QStringList{QStringLiteral("-m1"), QStringLiteral("-s"), QStringLiteral("submitted"), slashed(path)};
+    const QStringList arguments =
+        have_revision ? QStringList{QStringLiteral("-m1"), slashed(path) + QStringLiteral("#have")}
+                      : QStringList{QStringLiteral("-m1"), QStringLiteral("-s"), QStringLiteral("submitted"),
+                                    slashed(path)};
     if (!connection.run(QStringLiteral("changes"), arguments, output, QString(), &error))
         return false;
     if (!first_change(output, changelist))
@@ -59,5 +61,6 @@ bool KOR_DB_PERFORCE::get_file_changelist_number(int& changelist, int revision, 
 bool KOR_DB_PERFORCE::sync_file_to_revision(P4_CONNECTION& connection, const QString& path, int revision)
 {
     QVector<QString> output;
-    return connection.run(QStringLiteral("sync"), {slashed(path) + QStringLiteral("#%1").arg(revision)}, output);
+    return connection.run(QStringLiteral("sync"), {slashed(path) + QStringLiteral("#%1").arg(revision)},
+                          output);
 }

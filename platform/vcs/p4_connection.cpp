@@ -17,7 +17,8 @@ QString default_start;
 // The local folder a file argument points into, without its revision and wildcards.
 QString local_location(const QString& argument)
 {
-    if (argument.isEmpty() || argument.startsWith(QLatin1String("//")) || argument.startsWith(QLatin1Char('-')))
+    if (argument.isEmpty() || argument.startsWith(QLatin1String("//")) ||
+        argument.startsWith(QLatin1Char('-')))
         return QString();
     QString path = argument;
     path.replace(QLatin1Char('\\'), QLatin1Char('/'));
@@ -193,7 +194,9 @@ bool P4_CONNECTION::execute(const QString& command, const QStringList& arguments
         for (const QString& argument : arguments)
         {
             // File names written the Windows way still name the same files.
-            cleaned.append(local_location(argument).isEmpty() ? argument : QString(argument).replace(QLatin1Char('\\'), QLatin1Char('/')));
+            cleaned.append(local_location(argument).isEmpty()
+                               ? argument
+                               : QString(argument).replace(QLatin1Char('\\'), QLatin1Char('/')));
         }
         VCS_DEPOT* depot = depot_for(failure, location_of(cleaned));
         if (!depot)
@@ -223,7 +226,8 @@ bool P4_CONNECTION::execute(const QString& command, const QStringList& arguments
     if (error)
         *error = error_text;
     if (trace_commands)
-        qDebug().noquote() << "depot:" << command << arguments.join(QLatin1Char(' ')) << (ok ? "ok" : "failed");
+        qDebug().noquote() << "depot:" << command << arguments.join(QLatin1Char(' '))
+                           << (ok ? "ok" : "failed");
     for (const VCS_OUTPUT_LINE& line : qAsConst(produced))
     {
         if (trace_commands)

@@ -11,7 +11,8 @@ namespace
 {
 QString existing_folder(const QString& path)
 {
-    QString folder = VCS_FILE_SPEC::clean_path(QDir::isRelativePath(path) ? QDir::currentPath() + QLatin1Char('/') + path : path);
+    QString folder = VCS_FILE_SPEC::clean_path(
+        QDir::isRelativePath(path) ? QDir::currentPath() + QLatin1Char('/') + path : path);
     while (!folder.isEmpty() && !QFileInfo(folder).exists())
     {
         const QString parent = QFileInfo(folder).absolutePath();
@@ -86,9 +87,10 @@ std::unique_ptr<VCS_DEPOT> VCS_DEPOT::open(QString& error, const QString& path, 
         error = QStringLiteral("Unknown version control '%1' in ORBIN_VCS (use git or p4)").arg(forced);
         return nullptr;
     }
-    error = QStringLiteral("'%1' is not in a workspace under version control: no git clone or Perforce client "
-                           "was found above it")
-                .arg(path.isEmpty() ? start : path);
+    error =
+        QStringLiteral("'%1' is not in a workspace under version control: no git clone or Perforce client "
+                       "was found above it")
+            .arg(path.isEmpty() ? start : path);
     return nullptr;
 }
 
@@ -138,10 +140,11 @@ QStringList VCS_DEPOT::describe_lines(const VCS_CHANGE_INFO& change)
 {
     QStringList lines;
     const QString when = change.time.toLocalTime().toString(QStringLiteral("yyyy/MM/dd HH:mm:ss"));
-    lines.append(QStringLiteral("Change %1 by %2@%3%4 on %5")
-                     .arg(change.number)
-                     .arg(change.user, change.workspace,
-                          change.status == QLatin1String("pending") ? QStringLiteral(" *pending*") : QString(), when));
+    lines.append(
+        QStringLiteral("Change %1 by %2@%3%4 on %5")
+            .arg(change.number)
+            .arg(change.user, change.workspace,
+                 change.status == QLatin1String("pending") ? QStringLiteral(" *pending*") : QString(), when));
     lines.append(QString());
     for (const QString& text : change.description.split(QLatin1Char('\n')))
         lines.append(QLatin1Char('\t') + text);

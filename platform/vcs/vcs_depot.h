@@ -30,7 +30,7 @@ public:
     static std::unique_ptr<VCS_DEPOT> open(QString& error, const QString& path,
                                            const QString& program_name = QString());
 
-    virtual QString backend_name() const = 0;  // "git" or "perforce"
+    virtual QString backend_name() const = 0; // "git" or "perforce"
     virtual QString root() const = 0;
     virtual QString workspace_name() const = 0;
     virtual QString user_name() const = 0;
@@ -61,7 +61,8 @@ public:
     virtual bool incoming(QString& error, const QString& path, QStringList& files) = 0;
     // Writes the files below directory as they were at change into target
     // (which must exist), keeping the layout below directory.
-    virtual bool export_files(QString& error, const QString& directory, int change, const QString& target) = 0;
+    virtual bool export_files(QString& error, const QString& directory, int change,
+                              const QString& target) = 0;
 
     // Brings files to revisions. specs are file arguments with optional
     // revisions (see VCS_FILE_SPEC); no revision means the head. A file with

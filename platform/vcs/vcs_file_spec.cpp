@@ -30,7 +30,8 @@ bool VCS_FILE_SPEC::parse(QString& error, const QString& text, const QString& ro
     }
 
     // The revision is the last '#' or '@' after the last separator.
-    const int last_separator = std::max(path.lastIndexOf(QLatin1Char('/')), path.lastIndexOf(QLatin1Char('\\')));
+    const int last_separator =
+        std::max(path.lastIndexOf(QLatin1Char('/')), path.lastIndexOf(QLatin1Char('\\')));
     const int hash = path.lastIndexOf(QLatin1Char('#'));
     const int at = path.lastIndexOf(QLatin1Char('@'));
     const int marker = std::max(hash, at);

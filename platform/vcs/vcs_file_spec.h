@@ -13,12 +13,12 @@ class VCS_FILE_SPEC
 public:
     enum REVISION_KIND
     {
-        REVISION_NONE_GIVEN,  // no revision: the command's default applies
-        REVISION_HAVE,        // #have
-        REVISION_HEAD,        // #head
-        REVISION_DELETED,     // #none or #0: not on the client
-        REVISION_FILE,        // #n, the n-th revision of each file
-        REVISION_CHANGE       // @n, the files as of changelist n
+        REVISION_NONE_GIVEN, // no revision: the command's default applies
+        REVISION_HAVE,       // #have
+        REVISION_HEAD,       // #head
+        REVISION_DELETED,    // #none or #0: not on the client
+        REVISION_FILE,       // #n, the n-th revision of each file
+        REVISION_CHANGE      // @n, the files as of changelist n
     };
 
     // Parses text against a workspace root and the directory relative paths

@@ -81,7 +81,8 @@ bool VCS_GIT_DEPOT::run(const QString& command, const QStringList& arguments, co
 
 bool VCS_GIT_DEPOT::relative(const QString& path, QString& out) const
 {
-    const QString cleaned = VCS_FILE_SPEC::clean_path(QDir::isRelativePath(path) ? repository.root() + QLatin1Char('/') + path : path);
+    const QString cleaned = VCS_FILE_SPEC::clean_path(
+        QDir::isRelativePath(path) ? repository.root() + QLatin1Char('/') + path : path);
     const QString top = repository.root();
     if (cleaned == top)
     {
@@ -139,8 +140,8 @@ bool VCS_GIT_DEPOT::status(QString& error, const QString& path, QVector<VCS_FILE
     return true;
 }
 
-bool VCS_GIT_DEPOT::read_file(QString& error, const QString& file, const QString& revision, QByteArray& content,
-                              bool& exists)
+bool VCS_GIT_DEPOT::read_file(QString& error, const QString& file, const QString& revision,
+                              QByteArray& content, bool& exists)
 {
     content.clear();
     exists = false;
@@ -362,13 +363,14 @@ bool VCS_GIT_DEPOT::export_files(QString& error, const QString& directory, int c
         error = QStringLiteral("Cannot create a temporary folder");
         return false;
     }
-    const QMap<QString, QString> environment{{QStringLiteral("GIT_INDEX_FILE"), temporary.filePath(QStringLiteral("index"))}};
+    const QMap<QString, QString> environment{
+        {QStringLiteral("GIT_INDEX_FILE"), temporary.filePath(QStringLiteral("index"))}};
     const QString tree = folder.isEmpty() ? commit : commit + QLatin1Char(':') + folder;
     if (!repository.git_ok(error, {QStringLiteral("read-tree"), tree}, nullptr, QByteArray(), environment))
         return false;
     return repository.git_ok(error,
-                             {QStringLiteral("--work-tree=") + QDir(target).absolutePath(), QStringLiteral("checkout-index"),
-                              QStringLiteral("-a"), QStringLiteral("-f")},
+                             {QStringLiteral("--work-tree=") + QDir(target).absolutePath(),
+                              QStringLiteral("checkout-index"), QStringLiteral("-a"), QStringLiteral("-f")},
                              nullptr, QByteArray(), environment);
 }
 
@@ -516,8 +518,9 @@ bool VCS_GIT_DEPOT::delete_change(QString& error, int change)
         {
             error = QStringLiteral("Change %1 has %2 open file(s) associated with it and can't be deleted.")
                         .arg(change)
-                        .arg(std::count_if(state.opened.cbegin(), state.opened.cend(),
-                                           [change](const VCS_GIT_STATE::OPENED& o) { return o.change == change; }));
+                        .arg(std::count_if(
+                            state.opened.cbegin(), state.opened.cend(),
+                            [change](const VCS_GIT_STATE::OPENED& o) { return o.change == change; }));
             return false;
         }
     }
@@ -574,7 +577,8 @@ bool VCS_GIT_DEPOT::submit(QString& error, int change, const QString& descriptio
     {
         if (state.unresolved.contains(file))
         {
-            error = QStringLiteral("Merges still pending -- use 'resolve' to merge files (%1).").arg(client.absolute(file));
+            error = QStringLiteral("Merges still pending -- use 'resolve' to merge files (%1).")
+                        .arg(client.absolute(file));
             return false;
         }
     }
@@ -585,8 +589,9 @@ bool VCS_GIT_DEPOT::submit(QString& error, int change, const QString& descriptio
         return false;
     if (head != latest && !repository.is_ancestor(head, latest))
     {
-        error = QStringLiteral("The workspace '%1' has commits that are not in the depot; push or drop them before "
-                               "submitting")
+        error = QStringLiteral(
+                    "The workspace '%1' has commits that are not in the depot; push or drop them before "
+                    "submitting")
                     .arg(repository.root());
         return false;
     }
@@ -618,9 +623,10 @@ bool VCS_GIT_DEPOT::submit(QString& error, int change, const QString& descriptio
     if (!stale.isEmpty())
     {
         stale.sort();
-        error = QStringLiteral("Out of date files must be merged before submitting: %1 - the depot has a newer "
-                               "revision")
-                    .arg(stale.join(QStringLiteral(", ")));
+        error =
+            QStringLiteral("Out of date files must be merged before submitting: %1 - the depot has a newer "
+                           "revision")
+                .arg(stale.join(QStringLiteral(", ")));
         return false;
     }
 
@@ -636,16 +642,20 @@ bool VCS_GIT_DEPOT::submit(QString& error, int change, const QString& descriptio
             bytes += item.toUtf8() + '\0';
         return bytes;
     };
-    bool built = latest.isEmpty()
-                     ? repository.git_ok(error, {QStringLiteral("read-tree"), QStringLiteral("--empty")}, nullptr, {}, environment)
-                     : repository.git_ok(error, {QStringLiteral("read-tree"), latest}, nullptr, {}, environment);
+    bool built =
+        latest.isEmpty()
+            ? repository.git_ok(error, {QStringLiteral("read-tree"), QStringLiteral("--empty")}, nullptr, {},
+                                environment)
+            : repository.git_ok(error, {QStringLiteral("read-tree"), latest}, nullptr, {}, environment);
     if (built && !updates.isEmpty())
-        built = repository.git_ok(error, {QStringLiteral("update-index"), QStringLiteral("--add"), QStringLiteral("-z"),
-                                          QStringLiteral("--stdin")},
+        built = repository.git_ok(error,
+                                  {QStringLiteral("update-index"), QStringLiteral("--add"),
+                                   QStringLiteral("-z"), QStringLiteral("--stdin")},
                                   nullptr, nul_list(updates), environment);
     if (built && !removals.isEmpty())
-        built = repository.git_ok(error, {QStringLiteral("update-index"), QStringLiteral("--force-remove"),
-                                          QStringLiteral("-z"), QStringLiteral("--stdin")},
+        built = repository.git_ok(error,
+                                  {QStringLiteral("update-index"), QStringLiteral("--force-remove"),
+                                   QStringLiteral("-z"), QStringLiteral("--stdin")},
                                   nullptr, nul_list(removals), environment);
     QByteArray tree_output;
     if (built)
@@ -657,7 +667,8 @@ bool VCS_GIT_DEPOT::submit(QString& error, int change, const QString& descriptio
     if (!latest.isEmpty())
     {
         QByteArray latest_tree_id;
-        if (!repository.git_ok(error, {QStringLiteral("rev-parse"), latest + QStringLiteral("^{tree}")}, &latest_tree_id))
+        if (!repository.git_ok(error, {QStringLiteral("rev-parse"), latest + QStringLiteral("^{tree}")},
+                               &latest_tree_id))
             return false;
         if (QString::fromUtf8(latest_tree_id).trimmed() == tree)
         {
@@ -666,7 +677,8 @@ bool VCS_GIT_DEPOT::submit(QString& error, int change, const QString& descriptio
         }
     }
 
-    const QString message = text.trimmed() + QStringLiteral("\n\n") + workspace_trailer + workspace_name() + QLatin1Char('\n');
+    const QString message =
+        text.trimmed() + QStringLiteral("\n\n") + workspace_trailer + workspace_name() + QLatin1Char('\n');
     QStringList commit_arguments = repository.identity_arguments();
     commit_arguments << QStringLiteral("commit-tree") << tree;
     if (!latest.isEmpty())
@@ -685,10 +697,12 @@ bool VCS_GIT_DEPOT::submit(QString& error, int change, const QString& descriptio
     if (!pushed.succeeded())
     {
         const QString text_out = QString::fromUtf8(pushed.standard_output + pushed.standard_error);
-        if (text_out.contains(QLatin1String("[rejected]")) || text_out.contains(QLatin1String("non-fast-forward")) ||
+        if (text_out.contains(QLatin1String("[rejected]")) ||
+            text_out.contains(QLatin1String("non-fast-forward")) ||
             text_out.contains(QLatin1String("fetch first")))
-            error = QStringLiteral("The depot changed while submitting; nothing was submitted. Merge with the "
-                                   "latest revision and submit again.");
+            error =
+                QStringLiteral("The depot changed while submitting; nothing was submitted. Merge with the "
+                               "latest revision and submit again.");
         else
             error = QStringLiteral("Submit failed, the depot refused the push: %1")
                         .arg(pushed.failure_text(QStringLiteral("git push")));
@@ -745,7 +759,8 @@ bool VCS_GIT_DEPOT::describe(QString& error, int change, VCS_CHANGE_INFO& out)
             for (auto it = state.opened.cbegin(); it != state.opened.cend(); ++it)
             {
                 if (it.value().change == change)
-                    out.files.append(VCS_CHANGE_FILE{depot_path(it.key()), client.absolute(it.key()), 0, it.value().action});
+                    out.files.append(VCS_CHANGE_FILE{depot_path(it.key()), client.absolute(it.key()), 0,
+                                                     it.value().action});
             }
             return true;
         }
@@ -763,7 +778,9 @@ bool VCS_GIT_DEPOT::describe(QString& error, int change, VCS_CHANGE_INFO& out)
     }
     const QString commit = chain.at(change - 1);
     QByteArray header;
-    if (!repository.git_ok(error, {QStringLiteral("show"), QStringLiteral("-s"), QStringLiteral("--format=%an%x00%at%x00%B"), commit},
+    if (!repository.git_ok(error,
+                           {QStringLiteral("show"), QStringLiteral("-s"),
+                            QStringLiteral("--format=%an%x00%at%x00%B"), commit},
                            &header))
         return false;
     const QList<QByteArray> parts = header.split('\0');
@@ -774,10 +791,12 @@ bool VCS_GIT_DEPOT::describe(QString& error, int change, VCS_CHANGE_INFO& out)
     if (out.workspace.isEmpty())
         out.workspace = QStringLiteral("git");
 
-    const QString parent = change > 1 ? chain.at(change - 2) : QString::fromLatin1(VCS_GIT_REPOSITORY::empty_tree_id());
+    const QString parent =
+        change > 1 ? chain.at(change - 2) : QString::fromLatin1(VCS_GIT_REPOSITORY::empty_tree_id());
     QByteArray listing;
-    if (!repository.git_ok(error, {QStringLiteral("diff-tree"), QStringLiteral("-r"), QStringLiteral("-z"),
-                                   QStringLiteral("--no-renames"), QStringLiteral("--name-status"), parent, commit},
+    if (!repository.git_ok(error,
+                           {QStringLiteral("diff-tree"), QStringLiteral("-r"), QStringLiteral("-z"),
+                            QStringLiteral("--no-renames"), QStringLiteral("--name-status"), parent, commit},
                            &listing))
         return false;
     const QList<QByteArray> fields = listing.split('\0');
@@ -836,8 +855,9 @@ bool VCS_GIT_DEPOT::lock_holder(QString& error, const QString& folder, VCS_LOCK_
     if (!repository.git({QStringLiteral("cat-file"), QStringLiteral("-e"), commit}).succeeded())
     {
         const QString seen = QStringLiteral("refs/orbin/seen-locks/") + ref.section(QLatin1Char('/'), -1);
-        if (!repository.git_ok(error, {QStringLiteral("fetch"), QStringLiteral("-q"), QStringLiteral("--no-tags"),
-                                       repository.remote(), QStringLiteral("+%1:%2").arg(ref, seen)}))
+        if (!repository.git_ok(error,
+                               {QStringLiteral("fetch"), QStringLiteral("-q"), QStringLiteral("--no-tags"),
+                                repository.remote(), QStringLiteral("+%1:%2").arg(ref, seen)}))
             return false;
     }
     QByteArray body;
@@ -874,8 +894,8 @@ bool VCS_GIT_DEPOT::lock(QString& error, const QString& folder)
     if (!repository.git_ok(error, {QStringLiteral("mktree")}, &tree_output))
         return false;
     QStringList arguments = repository.identity_arguments();
-    arguments << QStringLiteral("commit-tree") << QString::fromUtf8(tree_output).trimmed() << QStringLiteral("-F")
-              << QStringLiteral("-");
+    arguments << QStringLiteral("commit-tree") << QString::fromUtf8(tree_output).trimmed()
+              << QStringLiteral("-F") << QStringLiteral("-");
     QByteArray commit_output;
     if (!repository.git_ok(error, arguments, &commit_output, message.toUtf8()))
         return false;
@@ -883,15 +903,17 @@ bool VCS_GIT_DEPOT::lock(QString& error, const QString& folder)
     // An empty expected value makes the push fail when the ref exists:
     // taking the lock is one atomic step on the depot.
     const VCS_PROCESS_RESULT pushed =
-        repository.git({QStringLiteral("push"), QStringLiteral("--porcelain"), QStringLiteral("--force-with-lease=%1:").arg(ref),
-                        repository.remote(), QStringLiteral("%1:%2").arg(commit, ref)});
+        repository.git({QStringLiteral("push"), QStringLiteral("--porcelain"),
+                        QStringLiteral("--force-with-lease=%1:").arg(ref), repository.remote(),
+                        QStringLiteral("%1:%2").arg(commit, ref)});
     if (pushed.succeeded())
         return true;
     VCS_LOCK_INFO holder;
     QString holder_error;
     if (!lock_holder(holder_error, folder, holder))
     {
-        error = QStringLiteral("Could not take the lock: %1").arg(pushed.failure_text(QStringLiteral("git push")));
+        error = QStringLiteral("Could not take the lock: %1")
+                    .arg(pushed.failure_text(QStringLiteral("git push")));
         return false;
     }
     if (holder.held && holder.user == me && holder.workspace == workspace)
@@ -901,7 +923,8 @@ bool VCS_GIT_DEPOT::lock(QString& error, const QString& folder)
         error = QStringLiteral("The database is locked by %1").arg(holder.describe());
         return false;
     }
-    error = QStringLiteral("Could not take the lock: %1").arg(pushed.failure_text(QStringLiteral("git push")));
+    error =
+        QStringLiteral("Could not take the lock: %1").arg(pushed.failure_text(QStringLiteral("git push")));
     return false;
 }
 
@@ -914,7 +937,8 @@ bool VCS_GIT_DEPOT::unlock(QString& error, const QString& folder)
         return true;
     if (holder.user != user_name() || holder.workspace != workspace_name())
     {
-        error = QStringLiteral("The database is locked by %1; the lock was not released").arg(holder.describe());
+        error =
+            QStringLiteral("The database is locked by %1; the lock was not released").arg(holder.describe());
         return false;
     }
     const QString ref = lock_ref(folder);
@@ -930,7 +954,8 @@ bool VCS_GIT_DEPOT::unlock(QString& error, const QString& folder)
                         QLatin1Char(':') + ref});
     if (!pushed.succeeded())
     {
-        error = QStringLiteral("Could not release the lock: %1").arg(pushed.failure_text(QStringLiteral("git push")));
+        error = QStringLiteral("Could not release the lock: %1")
+                    .arg(pushed.failure_text(QStringLiteral("git push")));
         return false;
     }
     return true;

@@ -65,8 +65,9 @@ bool VCS_GIT_REPOSITORY::open(QString& error, const QString& path)
 
     VCS_PROCESS process(git_program_name());
     process.set_working_directory(start);
-    const VCS_PROCESS_RESULT result = process.run(
-        {QStringLiteral("rev-parse"), QStringLiteral("--show-toplevel"), QStringLiteral("--absolute-git-dir")});
+    const VCS_PROCESS_RESULT result =
+        process.run({QStringLiteral("rev-parse"), QStringLiteral("--show-toplevel"),
+                     QStringLiteral("--absolute-git-dir")});
     if (!result.started)
     {
         error = result.error;
@@ -74,7 +75,8 @@ bool VCS_GIT_REPOSITORY::open(QString& error, const QString& path)
     }
     if (!result.succeeded())
     {
-        error = QStringLiteral("'%1' is not inside a git clone: %2").arg(path, result.failure_text(QStringLiteral("git")));
+        error = QStringLiteral("'%1' is not inside a git clone: %2")
+                    .arg(path, result.failure_text(QStringLiteral("git")));
         return false;
     }
     const QStringList lines = result.output_lines();
@@ -121,8 +123,8 @@ QStringList VCS_GIT_REPOSITORY::identity_arguments() const
     {
         const VCS_PROCESS_RESULT name = git({QStringLiteral("config"), QStringLiteral("user.name")});
         const VCS_PROCESS_RESULT mail = git({QStringLiteral("config"), QStringLiteral("user.email")});
-        identity_known = (name.succeeded() && !trimmed_text(name.standard_output).isEmpty() && mail.succeeded()
-                          && !trimmed_text(mail.standard_output).isEmpty())
+        identity_known = (name.succeeded() && !trimmed_text(name.standard_output).isEmpty() &&
+                          mail.succeeded() && !trimmed_text(mail.standard_output).isEmpty())
                              ? 1
                              : 0;
     }
@@ -141,8 +143,8 @@ bool VCS_GIT_REPOSITORY::find_depot()
 
     QString local_branch;
     {
-        const VCS_PROCESS_RESULT result =
-            git({QStringLiteral("symbolic-ref"), QStringLiteral("-q"), QStringLiteral("--short"), QStringLiteral("HEAD")});
+        const VCS_PROCESS_RESULT result = git({QStringLiteral("symbolic-ref"), QStringLiteral("-q"),
+                                               QStringLiteral("--short"), QStringLiteral("HEAD")});
         if (result.succeeded())
             local_branch = trimmed_text(result.standard_output);
     }
@@ -167,7 +169,8 @@ bool VCS_GIT_REPOSITORY::find_depot()
         if (names.isEmpty())
         {
             remote_name.clear();
-            depot_problem = QStringLiteral("The git clone '%1' has no depot: no remote is configured").arg(top);
+            depot_problem =
+                QStringLiteral("The git clone '%1' has no depot: no remote is configured").arg(top);
             return false;
         }
         remote_name = names.contains(QStringLiteral("origin")) ? QStringLiteral("origin") : names.first();
@@ -189,7 +192,8 @@ bool VCS_GIT_REPOSITORY::has_depot(QString& error) const
 {
     if (remote_name.isEmpty())
     {
-        error = depot_problem.isEmpty() ? QStringLiteral("The git clone '%1' has no depot").arg(top) : depot_problem;
+        error = depot_problem.isEmpty() ? QStringLiteral("The git clone '%1' has no depot").arg(top)
+                                        : depot_problem;
         return false;
     }
     return true;
@@ -207,8 +211,8 @@ bool VCS_GIT_REPOSITORY::fetch(QString& error)
     // An explicit refspec keeps the tracking ref right whatever the clone's
     // fetch configuration says.
     const QString refspec = QStringLiteral("+refs/heads/%1:%2").arg(remote_branch, tracking_ref());
-    const VCS_PROCESS_RESULT result =
-        git({QStringLiteral("fetch"), QStringLiteral("--quiet"), QStringLiteral("--no-tags"), remote_name, refspec});
+    const VCS_PROCESS_RESULT result = git({QStringLiteral("fetch"), QStringLiteral("--quiet"),
+                                           QStringLiteral("--no-tags"), remote_name, refspec});
     if (!result.succeeded())
     {
         const QString text = result.failure_text(QStringLiteral("git fetch"));
@@ -226,8 +230,8 @@ bool VCS_GIT_REPOSITORY::fetch(QString& error)
 
 bool VCS_GIT_REPOSITORY::head(QString& error, QString& commit) const
 {
-    const VCS_PROCESS_RESULT result =
-        git({QStringLiteral("rev-parse"), QStringLiteral("-q"), QStringLiteral("--verify"), QStringLiteral("HEAD^{commit}")});
+    const VCS_PROCESS_RESULT result = git({QStringLiteral("rev-parse"), QStringLiteral("-q"),
+                                           QStringLiteral("--verify"), QStringLiteral("HEAD^{commit}")});
     if (!result.started)
     {
         error = result.error;
@@ -241,8 +245,9 @@ bool VCS_GIT_REPOSITORY::latest(QString& error, QString& commit) const
 {
     if (!has_depot(error))
         return false;
-    const VCS_PROCESS_RESULT result = git({QStringLiteral("rev-parse"), QStringLiteral("-q"), QStringLiteral("--verify"),
-                                           tracking_ref() + QStringLiteral("^{commit}")});
+    const VCS_PROCESS_RESULT result =
+        git({QStringLiteral("rev-parse"), QStringLiteral("-q"), QStringLiteral("--verify"),
+             tracking_ref() + QStringLiteral("^{commit}")});
     if (!result.started)
     {
         error = result.error;
@@ -258,7 +263,8 @@ bool VCS_GIT_REPOSITORY::is_ancestor(const QString& ancestor, const QString& des
         return true;
     if (descendant.isEmpty())
         return false;
-    return git({QStringLiteral("merge-base"), QStringLiteral("--is-ancestor"), ancestor, descendant}).succeeded();
+    return git({QStringLiteral("merge-base"), QStringLiteral("--is-ancestor"), ancestor, descendant})
+        .succeeded();
 }
 
 bool VCS_GIT_REPOSITORY::tree(QString& error, const QString& commit, const QString& folder,
@@ -335,7 +341,9 @@ bool VCS_GIT_REPOSITORY::hash_files(QString& error, const QStringList& files, QS
         const QStringList lines = VCS_PROCESS::split_lines(output);
         if (lines.size() != present.size())
         {
-            error = QStringLiteral("git hash-object answered %1 ids for %2 files").arg(lines.size()).arg(present.size());
+            error = QStringLiteral("git hash-object answered %1 ids for %2 files")
+                        .arg(lines.size())
+                        .arg(present.size());
             return false;
         }
         for (int i = 0; i < present.size(); ++i)
@@ -346,10 +354,12 @@ bool VCS_GIT_REPOSITORY::hash_files(QString& error, const QStringList& files, QS
     return true;
 }
 
-bool VCS_GIT_REPOSITORY::read(QString& error, const QString& commit, const QString& file, QByteArray& content) const
+bool VCS_GIT_REPOSITORY::read(QString& error, const QString& commit, const QString& file,
+                              QByteArray& content) const
 {
     // --filters gives the bytes as a checkout would write them (line ends, smudge filters).
-    return git_ok(error, {QStringLiteral("cat-file"), QStringLiteral("--filters"), commit + QLatin1Char(':') + file},
+    return git_ok(error,
+                  {QStringLiteral("cat-file"), QStringLiteral("--filters"), commit + QLatin1Char(':') + file},
                   &content);
 }
 
@@ -370,12 +380,13 @@ bool VCS_GIT_REPOSITORY::write_files(QString& error, const QString& commit, cons
     head(ignored, head_commit);
     if (head_commit.isEmpty())
         return git_ok(error,
-                      {QStringLiteral("rm"), QStringLiteral("-q"), QStringLiteral("--cached"), QStringLiteral("--ignore-unmatch"),
-                       QStringLiteral("--pathspec-from-file=-"), QStringLiteral("--pathspec-file-nul")},
+                      {QStringLiteral("rm"), QStringLiteral("-q"), QStringLiteral("--cached"),
+                       QStringLiteral("--ignore-unmatch"), QStringLiteral("--pathspec-from-file=-"),
+                       QStringLiteral("--pathspec-file-nul")},
                       nullptr, list);
     return git_ok(error,
-                  {QStringLiteral("reset"), QStringLiteral("-q"), QStringLiteral("HEAD"), QStringLiteral("--pathspec-from-file=-"),
-                   QStringLiteral("--pathspec-file-nul")},
+                  {QStringLiteral("reset"), QStringLiteral("-q"), QStringLiteral("HEAD"),
+                   QStringLiteral("--pathspec-from-file=-"), QStringLiteral("--pathspec-file-nul")},
                   nullptr, list);
 }
 
@@ -389,8 +400,8 @@ bool VCS_GIT_REPOSITORY::changed_between(QString& error, const QString& from, co
     const QString from_tree = from.isEmpty() ? QString::fromLatin1(empty_tree_id()) : from;
     const QString to_tree = to.isEmpty() ? QString::fromLatin1(empty_tree_id()) : to;
     if (!git_ok(error,
-                {QStringLiteral("diff-tree"), QStringLiteral("-r"), QStringLiteral("-z"), QStringLiteral("--no-renames"),
-                 QStringLiteral("--name-only"), from_tree, to_tree},
+                {QStringLiteral("diff-tree"), QStringLiteral("-r"), QStringLiteral("-z"),
+                 QStringLiteral("--no-renames"), QStringLiteral("--name-only"), from_tree, to_tree},
                 &output))
         return false;
     files = split_nul(output);
@@ -425,7 +436,8 @@ bool VCS_GIT_REPOSITORY::chain(QString& error, QStringList& commits)
         {
             QByteArray output;
             if (!git_ok(error,
-                        {QStringLiteral("rev-list"), QStringLiteral("--first-parent"), QStringLiteral("--reverse"), tip},
+                        {QStringLiteral("rev-list"), QStringLiteral("--first-parent"),
+                         QStringLiteral("--reverse"), tip},
                         &output))
                 return false;
             chain_commits = VCS_PROCESS::split_lines(output);
@@ -455,8 +467,10 @@ bool VCS_GIT_REPOSITORY::change_number(QString& error, const QString& commit, in
     // A commit off the depot's chain (not pushed yet): its count is still
     // above that of everything it descends from.
     QByteArray output;
-    if (!git_ok(error, {QStringLiteral("rev-list"), QStringLiteral("--first-parent"), QStringLiteral("--count"), commit},
-                &output))
+    if (!git_ok(
+            error,
+            {QStringLiteral("rev-list"), QStringLiteral("--first-parent"), QStringLiteral("--count"), commit},
+            &output))
         return false;
     number = trimmed_text(output).toInt();
     return true;
@@ -500,15 +514,16 @@ bool VCS_GIT_REPOSITORY::file_revision(QString& error, const QString& commit, co
         return true;
     QByteArray output;
     if (!git_ok(error,
-                {QStringLiteral("rev-list"), QStringLiteral("--first-parent"), QStringLiteral("--count"), commit,
-                 QStringLiteral("--"), file},
+                {QStringLiteral("rev-list"), QStringLiteral("--first-parent"), QStringLiteral("--count"),
+                 commit, QStringLiteral("--"), file},
                 &output))
         return false;
     revision = trimmed_text(output).toInt();
     return true;
 }
 
-bool VCS_GIT_REPOSITORY::commit_of_file_revision(QString& error, const QString& file, int revision, QString& commit)
+bool VCS_GIT_REPOSITORY::commit_of_file_revision(QString& error, const QString& file, int revision,
+                                                 QString& commit)
 {
     commit.clear();
     QString tip;
@@ -518,8 +533,8 @@ bool VCS_GIT_REPOSITORY::commit_of_file_revision(QString& error, const QString& 
         return true;
     QByteArray output;
     if (!git_ok(error,
-                {QStringLiteral("rev-list"), QStringLiteral("--first-parent"), QStringLiteral("--reverse"), tip,
-                 QStringLiteral("--"), file},
+                {QStringLiteral("rev-list"), QStringLiteral("--first-parent"), QStringLiteral("--reverse"),
+                 tip, QStringLiteral("--"), file},
                 &output))
         return false;
     const QStringList commits = VCS_PROCESS::split_lines(output);

@@ -60,7 +60,8 @@ public:
     bool change_number(QString& error, const QString& commit, int& number);
     bool commit_of_change(QString& error, int number, QString& commit);
     // The newest commit at or before commit that changed path (file or folder).
-    bool last_commit_touching(QString& error, const QString& commit, const QString& path, QString& result) const;
+    bool last_commit_touching(QString& error, const QString& commit, const QString& path,
+                              QString& result) const;
     // The revision number of file at commit: how many first-parent commits up to it changed it.
     bool file_revision(QString& error, const QString& commit, const QString& file, int& revision) const;
     bool commit_of_file_revision(QString& error, const QString& file, int revision, QString& commit);

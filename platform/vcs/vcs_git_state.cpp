@@ -45,7 +45,8 @@ bool VCS_GIT_STATE::load(QString& error, const QString& git_dir)
     const QJsonDocument document = QJsonDocument::fromJson(file.readAll(), &parse_error);
     if (document.isNull() || !document.isObject())
     {
-        error = QStringLiteral("The workspace state '%1' is damaged: %2").arg(file.fileName(), parse_error.errorString());
+        error = QStringLiteral("The workspace state '%1' is damaged: %2")
+                    .arg(file.fileName(), parse_error.errorString());
         return false;
     }
     const QJsonObject root = document.object();

@@ -15,13 +15,13 @@ class VCS_GIT_STATE
 public:
     struct OPENED
     {
-        QString action;  // "edit", "add" or "delete"
-        int change = 0;  // 0: the default changelist
+        QString action; // "edit", "add" or "delete"
+        int change = 0; // 0: the default changelist
     };
     struct UNRESOLVED
     {
-        QString base;    // commit of the have revision before the sync; empty: no file
-        QString theirs;  // commit the sync brought; empty: the file was deleted
+        QString base;   // commit of the have revision before the sync; empty: no file
+        QString theirs; // commit the sync brought; empty: the file was deleted
     };
     struct PENDING
     {
@@ -36,7 +36,7 @@ public:
     QMap<QString, QString> have;
     QMap<QString, UNRESOLVED> unresolved;
     QMap<int, PENDING> pending;
-    int last_change = 0;  // the last pending changelist number handed out
+    int last_change = 0; // the last pending changelist number handed out
 
     // Takes the lock of the state file (waits up to ten seconds for another
     // process) and reads the state.

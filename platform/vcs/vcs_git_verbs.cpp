@@ -41,11 +41,12 @@ VCS_GIT_VERBS::VCS_GIT_VERBS(VCS_GIT_DEPOT& owner) : depot(owner) {}
 
 QStringList VCS_GIT_VERBS::commands()
 {
-    return {QStringLiteral("add"),    QStringLiteral("change"), QStringLiteral("changes"),  QStringLiteral("delete"),
-            QStringLiteral("describe"), QStringLiteral("edit"), QStringLiteral("files"),    QStringLiteral("fstat"),
-            QStringLiteral("have"),   QStringLiteral("info"),   QStringLiteral("opened"),   QStringLiteral("print"),
-            QStringLiteral("reopen"), QStringLiteral("resolve"), QStringLiteral("revert"),  QStringLiteral("submit"),
-            QStringLiteral("sync"),   QStringLiteral("where")};
+    return {QStringLiteral("add"),    QStringLiteral("change"),   QStringLiteral("changes"),
+            QStringLiteral("delete"), QStringLiteral("describe"), QStringLiteral("edit"),
+            QStringLiteral("files"),  QStringLiteral("fstat"),    QStringLiteral("have"),
+            QStringLiteral("info"),   QStringLiteral("opened"),   QStringLiteral("print"),
+            QStringLiteral("reopen"), QStringLiteral("resolve"),  QStringLiteral("revert"),
+            QStringLiteral("submit"), QStringLiteral("sync"),     QStringLiteral("where")};
 }
 
 VCS_GIT_VERBS::ARGUMENTS VCS_GIT_VERBS::parse(const QStringList& arguments, const QStringList& value_flags)
@@ -147,10 +148,12 @@ bool VCS_GIT_VERBS::run(const QString& command, const QStringList& arguments, co
     QStringList value_flags;
     if (verb == QLatin1String("edit") || verb == QLatin1String("add") || verb == QLatin1String("delete"))
         value_flags = QStringList{QStringLiteral("-c"), QStringLiteral("-t")};
-    else if (verb == QLatin1String("revert") || verb == QLatin1String("opened") || verb == QLatin1String("reopen"))
+    else if (verb == QLatin1String("revert") || verb == QLatin1String("opened") ||
+             verb == QLatin1String("reopen"))
         value_flags = QStringList{QStringLiteral("-c"), QStringLiteral("-u"), QStringLiteral("-t")};
     else if (verb == QLatin1String("changes"))
-        value_flags = QStringList{QStringLiteral("-m"), QStringLiteral("-s"), QStringLiteral("-u"), QStringLiteral("-c")};
+        value_flags = QStringList{QStringLiteral("-m"), QStringLiteral("-s"), QStringLiteral("-u"),
+                                  QStringLiteral("-c")};
     else if (verb == QLatin1String("submit"))
         value_flags = QStringList{QStringLiteral("-d"), QStringLiteral("-c"), QStringLiteral("-f")};
     else if (verb == QLatin1String("print"))
@@ -276,7 +279,8 @@ bool VCS_GIT_VERBS::open(const ARGUMENTS& arguments, VCS_ACTION action)
         entry.set(QStringLiteral("depotFile"), depot.depot_path(item.path));
         entry.set(QStringLiteral("clientFile"), depot.workspace().absolute(item.path));
         entry.set(QStringLiteral("workRev"), item.revision);
-        entry.set(QStringLiteral("action"), item.action == QLatin1String("reopened") ? VCS_DEPOT::action_name(action) : item.action);
+        entry.set(QStringLiteral("action"),
+                  item.action == QLatin1String("reopened") ? VCS_DEPOT::action_name(action) : item.action);
         entry.set(QStringLiteral("type"), QStringLiteral("text"));
         record(entry);
     }
@@ -318,7 +322,8 @@ bool VCS_GIT_VERBS::revert(const ARGUMENTS& arguments)
         VCS_ZTAG_RECORD entry;
         entry.set(QStringLiteral("depotFile"), depot.depot_path(item.path));
         entry.set(QStringLiteral("clientFile"), depot.workspace().absolute(item.path));
-        entry.set(QStringLiteral("haveRev"), item.revision == 0 ? QStringLiteral("none") : QString::number(item.revision));
+        entry.set(QStringLiteral("haveRev"),
+                  item.revision == 0 ? QStringLiteral("none") : QString::number(item.revision));
         entry.set(QStringLiteral("oldAction"), item.old_action);
         entry.set(QStringLiteral("action"), item.action);
         record(entry);
@@ -403,9 +408,11 @@ bool VCS_GIT_VERBS::opened(const ARGUMENTS& arguments)
         const int have_revision = workspace.revision_at(workspace.have_commit_of(head, it.key()), it.key());
         VCS_ZTAG_RECORD entry;
         entry.set(QStringLiteral("depotFile"), depot.depot_path(it.key()));
-        entry.set(QStringLiteral("clientFile"), QStringLiteral("//%1/%2").arg(depot.workspace_name(), it.key()));
+        entry.set(QStringLiteral("clientFile"),
+                  QStringLiteral("//%1/%2").arg(depot.workspace_name(), it.key()));
         entry.set(QStringLiteral("rev"), it.value().action == QLatin1String("add") ? 1 : have_revision);
-        entry.set(QStringLiteral("haveRev"), have_revision == 0 ? QStringLiteral("none") : QString::number(have_revision));
+        entry.set(QStringLiteral("haveRev"),
+                  have_revision == 0 ? QStringLiteral("none") : QString::number(have_revision));
         entry.set(QStringLiteral("action"), it.value().action);
         entry.set(QStringLiteral("change"), change_text(it.value().change));
         entry.set(QStringLiteral("type"), QStringLiteral("text"));
@@ -416,8 +423,10 @@ bool VCS_GIT_VERBS::opened(const ARGUMENTS& arguments)
         record(entry);
     }
     if (!any)
-        message(1, (arguments.files.isEmpty() ? QString() : arguments.files.join(QLatin1Char(' ')) + QStringLiteral(" - ")) +
-                       QStringLiteral("file(s) not opened on this client."));
+        message(1,
+                (arguments.files.isEmpty() ? QString()
+                                           : arguments.files.join(QLatin1Char(' ')) + QStringLiteral(" - ")) +
+                    QStringLiteral("file(s) not opened on this client."));
     return true;
 }
 
@@ -437,7 +446,8 @@ bool VCS_GIT_VERBS::have(const ARGUMENTS& arguments)
     for (const VCS_FILE_SPEC& spec : qAsConst(parsed))
     {
         QHash<QString, QPair<QString, QString>> files;
-        if (!workspace.have_files(error, spec.has_wildcards() ? spec.fixed_directory() : spec.relative_pattern(), files))
+        if (!workspace.have_files(
+                error, spec.has_wildcards() ? spec.fixed_directory() : spec.relative_pattern(), files))
         {
             message(2, error);
             return false;
@@ -455,7 +465,8 @@ bool VCS_GIT_VERBS::have(const ARGUMENTS& arguments)
         {
             VCS_ZTAG_RECORD entry;
             entry.set(QStringLiteral("depotFile"), depot.depot_path(path));
-            entry.set(QStringLiteral("clientFile"), QStringLiteral("//%1/%2").arg(depot.workspace_name(), path));
+            entry.set(QStringLiteral("clientFile"),
+                      QStringLiteral("//%1/%2").arg(depot.workspace_name(), path));
             entry.set(QStringLiteral("path"), workspace.absolute(path));
             entry.set(QStringLiteral("haveRev"), workspace.revision_at(files.value(path).first, path));
             record(entry);
@@ -473,7 +484,8 @@ bool VCS_GIT_VERBS::changes(const ARGUMENTS& arguments)
         maximum = arguments.values.value(QStringLiteral("-m")).toInt(&ok);
         if (!ok || maximum < 0)
         {
-            message(2, QStringLiteral("Invalid maximum '%1'.").arg(arguments.values.value(QStringLiteral("-m"))));
+            message(
+                2, QStringLiteral("Invalid maximum '%1'.").arg(arguments.values.value(QStringLiteral("-m"))));
             return false;
         }
     }
@@ -573,10 +585,14 @@ bool VCS_GIT_VERBS::changes(const ARGUMENTS& arguments)
             }
             if (tip.isEmpty() || tip == VCS_GIT_STATE::not_on_client())
                 continue;
-            QStringList log_arguments{QStringLiteral("-c"), QStringLiteral("core.quotepath=off"), QStringLiteral("log"),
-                                      QStringLiteral("--first-parent"), QStringLiteral("--no-renames"),
+            QStringList log_arguments{QStringLiteral("-c"),
+                                      QStringLiteral("core.quotepath=off"),
+                                      QStringLiteral("log"),
+                                      QStringLiteral("--first-parent"),
+                                      QStringLiteral("--no-renames"),
                                       QStringLiteral("--name-only"),
-                                      QStringLiteral("--format=%x1e%H%x1f%an%x1f%at%x1f%B%x1f"), tip};
+                                      QStringLiteral("--format=%x1e%H%x1f%an%x1f%at%x1f%B%x1f"),
+                                      tip};
             if (!folder.isEmpty())
                 log_arguments << QStringLiteral("--") << folder;
             QByteArray log;
@@ -615,7 +631,8 @@ bool VCS_GIT_VERBS::changes(const ARGUMENTS& arguments)
                 entry.set(QStringLiteral("client"), client.isEmpty() ? QStringLiteral("git") : client);
                 entry.set(QStringLiteral("status"), QStringLiteral("submitted"));
                 entry.set(QStringLiteral("changeType"), QStringLiteral("public"));
-                entry.set(QStringLiteral("path"), QStringLiteral("//") + (folder.isEmpty() ? QStringLiteral("...") : folder));
+                entry.set(QStringLiteral("path"),
+                          QStringLiteral("//") + (folder.isEmpty() ? QStringLiteral("...") : folder));
                 entry.set(QStringLiteral("desc"), text_of(description));
                 found.insert(number, entry);
             }
@@ -676,7 +693,8 @@ bool VCS_GIT_VERBS::info()
     entry.set(QStringLiteral("serverAddress"), QString::fromUtf8(url.standard_output).trimmed());
     const VCS_PROCESS_RESULT version = depot.repo().git({QStringLiteral("--version")});
     entry.set(QStringLiteral("serverVersion"), QString::fromUtf8(version.standard_output).trimmed());
-    entry.set(QStringLiteral("depotBranch"), depot.repo().remote() + QLatin1Char('/') + depot.repo().branch());
+    entry.set(QStringLiteral("depotBranch"),
+              depot.repo().remote() + QLatin1Char('/') + depot.repo().branch());
     record(entry);
     return true;
 }
@@ -690,7 +708,8 @@ bool VCS_GIT_VERBS::where(const ARGUMENTS& arguments)
     {
         VCS_ZTAG_RECORD entry;
         entry.set(QStringLiteral("depotFile"), depot.depot_path(spec.relative_pattern()));
-        entry.set(QStringLiteral("clientFile"), QStringLiteral("//%1/%2").arg(depot.workspace_name(), spec.relative_pattern()));
+        entry.set(QStringLiteral("clientFile"),
+                  QStringLiteral("//%1/%2").arg(depot.workspace_name(), spec.relative_pattern()));
         entry.set(QStringLiteral("path"), depot.workspace().absolute(spec.relative_pattern()));
         record(entry);
     }
@@ -778,7 +797,8 @@ bool VCS_GIT_VERBS::files(const ARGUMENTS& arguments, bool with_status)
         const QString folder = spec.has_wildcards() ? spec.fixed_directory() : spec.relative_pattern();
         QHash<QString, QString> tree;
         QHash<QString, QPair<QString, QString>> have;
-        if (!repo.tree(error, commit, folder, tree) || (with_status && !workspace.have_files(error, folder, have)))
+        if (!repo.tree(error, commit, folder, tree) ||
+            (with_status && !workspace.have_files(error, folder, have)))
         {
             message(2, error);
             return false;
@@ -818,7 +838,8 @@ bool VCS_GIT_VERBS::files(const ARGUMENTS& arguments, bool with_status)
             {
                 entry.set(QStringLiteral("rev"), revision);
                 entry.set(QStringLiteral("change"), change);
-                entry.set(QStringLiteral("action"), revision <= 1 ? QStringLiteral("add") : QStringLiteral("edit"));
+                entry.set(QStringLiteral("action"),
+                          revision <= 1 ? QStringLiteral("add") : QStringLiteral("edit"));
                 entry.set(QStringLiteral("type"), QStringLiteral("text"));
                 record(entry);
                 continue;
@@ -827,7 +848,8 @@ bool VCS_GIT_VERBS::files(const ARGUMENTS& arguments, bool with_status)
             entry.set(QStringLiteral("isMapped"), QString());
             if (tree.contains(path))
             {
-                entry.set(QStringLiteral("headAction"), revision <= 1 ? QStringLiteral("add") : QStringLiteral("edit"));
+                entry.set(QStringLiteral("headAction"),
+                          revision <= 1 ? QStringLiteral("add") : QStringLiteral("edit"));
                 entry.set(QStringLiteral("headType"), QStringLiteral("text"));
                 entry.set(QStringLiteral("headRev"), revision);
                 entry.set(QStringLiteral("headChange"), change);
@@ -932,17 +954,20 @@ bool VCS_GIT_VERBS::change(const ARGUMENTS& arguments, const QString& input)
             message(2, QStringLiteral("Change %1 unknown.").arg(number));
             return false;
         }
-        message(0, QStringLiteral("Change:\t%1").arg(number == 0 ? QStringLiteral("new") : QString::number(number)));
+        message(
+            0,
+            QStringLiteral("Change:\t%1").arg(number == 0 ? QStringLiteral("new") : QString::number(number)));
         message(0, QString());
         message(0, QStringLiteral("Client:\t%1").arg(depot.workspace_name()));
         message(0, QString());
         message(0, QStringLiteral("User:\t%1").arg(depot.user_name()));
         message(0, QString());
-        message(0, QStringLiteral("Status:\t%1").arg(number == 0 ? QStringLiteral("new") : QStringLiteral("pending")));
+        message(0, QStringLiteral("Status:\t%1")
+                       .arg(number == 0 ? QStringLiteral("new") : QStringLiteral("pending")));
         message(0, QString());
         message(0, QStringLiteral("Description:"));
-        const QString description =
-            number == 0 ? QStringLiteral("<enter description here>") : state.pending.value(number).description;
+        const QString description = number == 0 ? QStringLiteral("<enter description here>")
+                                                : state.pending.value(number).description;
         for (const QString& line : description.split(QLatin1Char('\n')))
             message(0, QLatin1Char('\t') + line);
         message(0, QString());
@@ -966,7 +991,8 @@ bool VCS_GIT_VERBS::change(const ARGUMENTS& arguments, const QString& input)
         return false;
     if (description.trimmed().isEmpty() || description.contains(QLatin1String("<enter description here>")))
     {
-        message(2, QStringLiteral("Error in change specification: change description missing.  You must enter one."));
+        message(2, QStringLiteral(
+                       "Error in change specification: change description missing.  You must enter one."));
         return false;
     }
     STATE_SCOPE scope(workspace);
@@ -1013,7 +1039,9 @@ bool VCS_GIT_VERBS::change(const ARGUMENTS& arguments, const QString& input)
         message(2, error);
         return false;
     }
-    message(0, QStringLiteral("Change %1 %2.").arg(number).arg(created ? QStringLiteral("created") : QStringLiteral("updated")));
+    message(0, QStringLiteral("Change %1 %2.")
+                   .arg(number)
+                   .arg(created ? QStringLiteral("created") : QStringLiteral("updated")));
     return true;
 }
 
@@ -1153,7 +1181,8 @@ bool VCS_GIT_VERBS::submit(const ARGUMENTS& arguments, const QString& input)
     if (!depot.submit(error, number, description, submitted))
     {
         message(2, error);
-        message(2, QStringLiteral("Submit failed -- fix problems above then use 'p4 submit -c %1'.").arg(number));
+        message(
+            2, QStringLiteral("Submit failed -- fix problems above then use 'p4 submit -c %1'.").arg(number));
         return false;
     }
     QString head;

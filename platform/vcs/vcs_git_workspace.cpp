@@ -119,7 +119,8 @@ bool VCS_GIT_WORKSPACE::parse_specs(QString& error, const QStringList& texts, QV
     for (const QString& text : texts)
     {
         VCS_FILE_SPEC spec;
-        if (!spec.parse(error, text, repo.root(), working_directory.isEmpty() ? repo.root() : working_directory))
+        if (!spec.parse(error, text, repo.root(),
+                        working_directory.isEmpty() ? repo.root() : working_directory))
             return false;
         specs.append(spec);
     }
@@ -203,8 +204,9 @@ bool VCS_GIT_WORKSPACE::local_state(QString& error, const QVector<VCS_FILE_SPEC>
     QSet<QString> candidates;
     for (const QString& folder : spec_folders(specs))
     {
-        QStringList arguments{QStringLiteral("status"), QStringLiteral("--porcelain=v1"), QStringLiteral("-z"),
-                              QStringLiteral("--untracked-files=all"), QStringLiteral("--no-renames")};
+        QStringList arguments{QStringLiteral("status"), QStringLiteral("--porcelain=v1"),
+                              QStringLiteral("-z"), QStringLiteral("--untracked-files=all"),
+                              QStringLiteral("--no-renames")};
         if (!folder.isEmpty())
             arguments << QStringLiteral("--") << folder;
         QByteArray output;
@@ -309,7 +311,8 @@ bool VCS_GIT_WORKSPACE::safety_copy(QString& error, const QStringList& paths, QS
     for (const QString& path : qAsConst(present))
     {
         const QString destination = target + QLatin1Char('/') + path;
-        if (!QDir().mkpath(QFileInfo(destination).absolutePath()) || !QFile::copy(absolute(path), destination))
+        if (!QDir().mkpath(QFileInfo(destination).absolutePath()) ||
+            !QFile::copy(absolute(path), destination))
         {
             error = QStringLiteral("Cannot keep a safety copy of '%1' in '%2'; nothing was changed")
                         .arg(absolute(path), target);
@@ -353,9 +356,10 @@ bool VCS_GIT_WORKSPACE::sync(QString& error, const QVector<VCS_FILE_SPEC>& specs
     moves_head = moves_head && !latest.isEmpty() && latest != head;
     if (moves_head && !repo.is_ancestor(head, latest))
     {
-        error = QStringLiteral("The workspace '%1' has commits that are not in the depot (%2/%3 does not contain "
-                               "HEAD); push or drop them before syncing")
-                    .arg(repo.root(), repo.remote(), repo.branch());
+        error =
+            QStringLiteral("The workspace '%1' has commits that are not in the depot (%2/%3 does not contain "
+                           "HEAD); push or drop them before syncing")
+                .arg(repo.root(), repo.remote(), repo.branch());
         return false;
     }
 
@@ -444,7 +448,8 @@ bool VCS_GIT_WORKSPACE::sync(QString& error, const QVector<VCS_FILE_SPEC>& specs
         if (!decision.old_commit.isEmpty() && !is_marker(decision.old_commit) &&
             !repo.blob(error, decision.old_commit, decision.path, decision.old_blob))
             return false;
-        if (!is_marker(decision.target) && !repo.blob(error, decision.target, decision.path, decision.new_blob))
+        if (!is_marker(decision.target) &&
+            !repo.blob(error, decision.target, decision.path, decision.new_blob))
             return false;
         have_updates.insert(decision.path, decision.target);
         if (decision.old_blob != decision.new_blob || options.force)
@@ -574,8 +579,8 @@ bool VCS_GIT_WORKSPACE::sync(QString& error, const QVector<VCS_FILE_SPEC>& specs
     return save(error);
 }
 
-bool VCS_GIT_WORKSPACE::resolve(QString& error, const QVector<VCS_FILE_SPEC>& specs, VCS_RESOLVE how, bool preview,
-                                QVector<ITEM>& items)
+bool VCS_GIT_WORKSPACE::resolve(QString& error, const QVector<VCS_FILE_SPEC>& specs, VCS_RESOLVE how,
+                                bool preview, QVector<ITEM>& items)
 {
     STATE_SCOPE scope(*this);
     if (!scope.begin(error))
@@ -627,8 +632,9 @@ bool VCS_GIT_WORKSPACE::resolve(QString& error, const QVector<VCS_FILE_SPEC>& sp
             if (entry.base.isEmpty() || entry.theirs.isEmpty() || !QFileInfo(local).isFile())
             {
                 item.level = how == VCS_RESOLVE::MERGE ? 1 : 2;
-                item.message = local + QStringLiteral(" - cannot merge a file that was added or deleted on one side; "
-                                                      "accept yours or theirs");
+                item.message =
+                    local + QStringLiteral(" - cannot merge a file that was added or deleted on one side; "
+                                           "accept yours or theirs");
                 break;
             }
             QTemporaryDir temporary;
@@ -646,7 +652,8 @@ bool VCS_GIT_WORKSPACE::resolve(QString& error, const QVector<VCS_FILE_SPEC>& sp
             QFile base_out(base_file);
             QFile their_out(their_file);
             if (!base_out.open(QIODevice::WriteOnly) || base_out.write(base_content) != base_content.size() ||
-                !their_out.open(QIODevice::WriteOnly) || their_out.write(their_content) != their_content.size())
+                !their_out.open(QIODevice::WriteOnly) ||
+                their_out.write(their_content) != their_content.size())
             {
                 error = QStringLiteral("Cannot write temporary files for merging '%1'").arg(local);
                 return false;
@@ -654,9 +661,9 @@ bool VCS_GIT_WORKSPACE::resolve(QString& error, const QVector<VCS_FILE_SPEC>& sp
             base_out.close();
             their_out.close();
             const VCS_PROCESS_RESULT result =
-                repo.git({QStringLiteral("merge-file"), QStringLiteral("-p"), QStringLiteral("-L"), QStringLiteral("yours"),
-                          QStringLiteral("-L"), QStringLiteral("base"), QStringLiteral("-L"), QStringLiteral("theirs"),
-                          local, base_file, their_file});
+                repo.git({QStringLiteral("merge-file"), QStringLiteral("-p"), QStringLiteral("-L"),
+                          QStringLiteral("yours"), QStringLiteral("-L"), QStringLiteral("base"),
+                          QStringLiteral("-L"), QStringLiteral("theirs"), local, base_file, their_file});
             if (!result.started || result.exit_code < 0)
             {
                 error = result.failure_text(QStringLiteral("git merge-file"));
@@ -666,10 +673,12 @@ bool VCS_GIT_WORKSPACE::resolve(QString& error, const QVector<VCS_FILE_SPEC>& sp
             if (conflicts > 0 && how == VCS_RESOLVE::MERGE)
             {
                 item.level = 1;
-                item.message = local + QStringLiteral(" - resolve skipped: %1 conflicting change(s)").arg(conflicts);
+                item.message =
+                    local + QStringLiteral(" - resolve skipped: %1 conflicting change(s)").arg(conflicts);
                 break;
             }
-            item.action = conflicts > 0 ? QStringLiteral("merge with conflicts") : QStringLiteral("merge from");
+            item.action =
+                conflicts > 0 ? QStringLiteral("merge with conflicts") : QStringLiteral("merge from");
             merged_writes.insert(path, result.standard_output);
             done.append(path);
             break;
@@ -688,9 +697,11 @@ bool VCS_GIT_WORKSPACE::resolve(QString& error, const QVector<VCS_FILE_SPEC>& sp
     for (auto it = merged_writes.cbegin(); it != merged_writes.cend(); ++it)
     {
         QFile file(absolute(it.key()));
-        if (!file.open(QIODevice::WriteOnly | QIODevice::Truncate) || file.write(it.value()) != it.value().size())
+        if (!file.open(QIODevice::WriteOnly | QIODevice::Truncate) ||
+            file.write(it.value()) != it.value().size())
         {
-            error = QStringLiteral("Cannot write the merged '%1': %2").arg(file.fileName(), file.errorString());
+            error =
+                QStringLiteral("Cannot write the merged '%1': %2").arg(file.fileName(), file.errorString());
             return false;
         }
     }
@@ -699,8 +710,8 @@ bool VCS_GIT_WORKSPACE::resolve(QString& error, const QVector<VCS_FILE_SPEC>& sp
     return save(error);
 }
 
-bool VCS_GIT_WORKSPACE::open(QString& error, const QVector<VCS_FILE_SPEC>& specs, VCS_ACTION action, int change,
-                             bool keep_local_file, QVector<ITEM>& items)
+bool VCS_GIT_WORKSPACE::open(QString& error, const QVector<VCS_FILE_SPEC>& specs, VCS_ACTION action,
+                             int change, bool keep_local_file, QVector<ITEM>& items)
 {
     STATE_SCOPE scope(*this);
     if (!scope.begin(error))
@@ -725,8 +736,9 @@ bool VCS_GIT_WORKSPACE::open(QString& error, const QVector<VCS_FILE_SPEC>& specs
         {
             if (spec.has_wildcards())
             {
-                items.append(ITEM{QString(), QString(), QString(), 0, 2,
-                                  spec.text() + QStringLiteral(" - wildcards are not allowed when adding files.")});
+                items.append(
+                    ITEM{QString(), QString(), QString(), 0, 2,
+                         spec.text() + QStringLiteral(" - wildcards are not allowed when adding files.")});
                 continue;
             }
             paths.append(spec.relative_pattern());
@@ -772,7 +784,8 @@ bool VCS_GIT_WORKSPACE::open(QString& error, const QVector<VCS_FILE_SPEC>& specs
             {
                 if (!QFileInfo(local).isFile())
                 {
-                    items.append(ITEM{path, QString(), QString(), 0, 2, local + QStringLiteral(" - file(s) not found.")});
+                    items.append(ITEM{path, QString(), QString(), 0, 2,
+                                      local + QStringLiteral(" - file(s) not found.")});
                     continue;
                 }
                 if (have.contains(path))
@@ -802,8 +815,8 @@ bool VCS_GIT_WORKSPACE::open(QString& error, const QVector<VCS_FILE_SPEC>& specs
     return changed_state ? save(error) : true;
 }
 
-bool VCS_GIT_WORKSPACE::revert(QString& error, const QVector<VCS_FILE_SPEC>& specs, const REVERT_OPTIONS& options,
-                               QVector<ITEM>& items)
+bool VCS_GIT_WORKSPACE::revert(QString& error, const QVector<VCS_FILE_SPEC>& specs,
+                               const REVERT_OPTIONS& options, QVector<ITEM>& items)
 {
     STATE_SCOPE scope(*this);
     if (!scope.begin(error))
@@ -837,8 +850,7 @@ bool VCS_GIT_WORKSPACE::revert(QString& error, const QVector<VCS_FILE_SPEC>& spe
 
         ITEM item;
         item.path = state.path;
-        item.old_action = explicitly_opened ? state.opened_action
-                                            : action_text(state.change);
+        item.old_action = explicitly_opened ? state.opened_action : action_text(state.change);
         item.revision = revision_at(state.have_commit, state.path);
         if (new_file)
         {

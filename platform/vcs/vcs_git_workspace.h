@@ -29,9 +29,9 @@ public:
     struct FILE_STATE
     {
         QString path;
-        QString have_commit;  // empty or the not-on-client marker: the workspace does not have it
-        QString have_blob;    // empty when the workspace does not have the file
-        QString work_blob;    // empty when there is no local file
+        QString have_commit; // empty or the not-on-client marker: the workspace does not have it
+        QString have_blob;   // empty when the workspace does not have the file
+        QString work_blob;   // empty when there is no local file
         VCS_ACTION change = VCS_ACTION::NONE;
         QString opened_action;
         int opened_change = 0;
@@ -42,37 +42,39 @@ public:
     struct ITEM
     {
         ITEM() = default;
-        ITEM(const QString& path_, const QString& action_, const QString& old_action_, int revision_, int level_,
-             const QString& message_)
-            : path(path_), action(action_), old_action(old_action_), revision(revision_), level(level_), message(message_)
+        ITEM(const QString& path_, const QString& action_, const QString& old_action_, int revision_,
+             int level_, const QString& message_)
+            : path(path_), action(action_), old_action(old_action_), revision(revision_), level(level_),
+              message(message_)
         {
         }
 
-        QString path;        // relative to the root
-        QString action;      // e.g. "updated", "added", "deleted", "edit", "reverted", "abandoned"
-        QString old_action;  // for revert: how the file was opened
-        int revision = 0;    // the revision the file is at afterwards
-        int level = 0;       // 0 information, 1 warning, 2 error
-        QString message;     // when set, the item is a message and not a record
+        QString path;       // relative to the root
+        QString action;     // e.g. "updated", "added", "deleted", "edit", "reverted", "abandoned"
+        QString old_action; // for revert: how the file was opened
+        int revision = 0;   // the revision the file is at afterwards
+        int level = 0;      // 0 information, 1 warning, 2 error
+        QString message;    // when set, the item is a message and not a record
         QString base_commit;
         QString their_commit;
     };
 
     struct SYNC_OPTIONS
     {
-        bool preview = false;       // -n
-        bool have_only = false;     // -k: the have revision moves, the files stay
-        bool force = false;         // -f: rewrite unchanged files too
+        bool preview = false;   // -n
+        bool have_only = false; // -k: the have revision moves, the files stay
+        bool force = false;     // -f: rewrite unchanged files too
     };
 
     struct REVERT_OPTIONS
     {
-        bool preview = false;            // -n
-        bool keep_content = false;       // -k
-        bool only_unchanged = false;     // -a
-        bool wipe_added = false;         // -w: remove files that were opened for add
-        bool include_unopened = false;   // also new files that were never opened (and wipe them with wipe_added)
-        int change = -1;                 // -c: only files opened in this changelist
+        bool preview = false;        // -n
+        bool keep_content = false;   // -k
+        bool only_unchanged = false; // -a
+        bool wipe_added = false;     // -w: remove files that were opened for add
+        bool include_unopened =
+            false;       // also new files that were never opened (and wipe them with wipe_added)
+        int change = -1; // -c: only files opened in this changelist
     };
 
     // The state file is held from begin to end; the calls nest.

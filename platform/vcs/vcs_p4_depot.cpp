@@ -21,9 +21,10 @@ QString p4_program_name()
 bool is_benign(const QString& message)
 {
     // Warnings the client prints on standard error that mean "nothing to do".
-    static const char* const benign[] = {"file(s) up-to-date",     "no file(s) to reconcile", "No file(s) to resolve",
-                                         "file(s) not opened on this client", "no such file(s)",
-                                         "file(s) not in client view", "- no file(s) to", "currently opened for"};
+    static const char* const benign[] = {"file(s) up-to-date",    "no file(s) to reconcile",
+                                         "No file(s) to resolve", "file(s) not opened on this client",
+                                         "no such file(s)",       "file(s) not in client view",
+                                         "- no file(s) to",       "currently opened for"};
     for (const char* text : benign)
     {
         if (message.contains(QLatin1String(text)))
@@ -50,15 +51,17 @@ bool VCS_P4_DEPOT::open_at(QString& error, const QString& start_directory, const
     const VCS_PROCESS_RESULT result = process.run({QStringLiteral("-V")});
     if (!result.started)
     {
-        error = QStringLiteral("The Perforce command-line client '%1' could not be started: it is not installed or "
-                               "not on the PATH (%2)")
+        error = QStringLiteral(
+                    "The Perforce command-line client '%1' could not be started: it is not installed or "
+                    "not on the PATH (%2)")
                     .arg(p4_program_name(), result.error);
         return false;
     }
     return true;
 }
 
-VCS_P4_DEPOT::RESULT VCS_P4_DEPOT::p4(const QStringList& arguments, const QByteArray& input, bool tagged) const
+VCS_P4_DEPOT::RESULT VCS_P4_DEPOT::p4(const QStringList& arguments, const QByteArray& input,
+                                      bool tagged) const
 {
     RESULT result;
     VCS_PROCESS process(p4_program_name());
@@ -98,7 +101,8 @@ bool VCS_P4_DEPOT::load_info(QString& error) const
     const RESULT result = p4({QStringLiteral("info")});
     if (!result.ok || result.records.isEmpty())
     {
-        error = QStringLiteral("Perforce: %1").arg(result.error.isEmpty() ? QStringLiteral("no answer to 'p4 info'") : result.error);
+        error = QStringLiteral("Perforce: %1")
+                    .arg(result.error.isEmpty() ? QStringLiteral("no answer to 'p4 info'") : result.error);
         return false;
     }
     const VCS_ZTAG_RECORD& info = result.records.first();
@@ -107,7 +111,9 @@ bool VCS_P4_DEPOT::load_info(QString& error) const
     client_user = info.value(QStringLiteral("userName"));
     if (client_name.isEmpty() || client_name == QLatin1String("*unknown*") || client_root.isEmpty())
     {
-        error = QStringLiteral("No Perforce client workspace is set for '%1' (set P4CLIENT or use a P4CONFIG file)").arg(start);
+        error = QStringLiteral(
+                    "No Perforce client workspace is set for '%1' (set P4CLIENT or use a P4CONFIG file)")
+                    .arg(start);
         return false;
     }
     info_loaded = true;
@@ -175,7 +181,8 @@ bool VCS_P4_DEPOT::run(const QString& command, const QStringList& arguments, con
             QString error;
             if (!numeric || !describe(error, number, info))
             {
-                output.append(VCS_OUTPUT_LINE{2, numeric ? error : QStringLiteral("Invalid changelist number '%1'.").arg(argument)});
+                output.append(VCS_OUTPUT_LINE{
+                    2, numeric ? error : QStringLiteral("Invalid changelist number '%1'.").arg(argument)});
                 ok = false;
                 continue;
             }
@@ -261,15 +268,16 @@ bool VCS_P4_DEPOT::status(QString& error, const QString& path, QVector<VCS_FILE_
     return true;
 }
 
-bool VCS_P4_DEPOT::read_file(QString& error, const QString& file, const QString& revision, QByteArray& content,
-                             bool& exists)
+bool VCS_P4_DEPOT::read_file(QString& error, const QString& file, const QString& revision,
+                             QByteArray& content, bool& exists)
 {
     content.clear();
     exists = false;
     if (revision.isEmpty() || revision == QLatin1String("#none"))
         return true;
     // A token of an unresolved file is a whole depot revision already.
-    const QString target = revision.startsWith(QLatin1String("//")) ? revision : VCS_FILE_SPEC::clean_path(file) + revision;
+    const QString target =
+        revision.startsWith(QLatin1String("//")) ? revision : VCS_FILE_SPEC::clean_path(file) + revision;
     const RESULT listing = p4({QStringLiteral("files"), target});
     if (!listing.ok || listing.records.isEmpty())
     {
@@ -329,7 +337,8 @@ bool VCS_P4_DEPOT::file_change(QString& error, const QString& file, int revision
                               VCS_FILE_SPEC::clean_path(file) + QStringLiteral("#%1").arg(revision)});
     if (!result.ok || result.records.isEmpty())
     {
-        error = result.error.isEmpty() ? QStringLiteral("%1#%2 - no such file(s).").arg(file).arg(revision) : result.error;
+        error = result.error.isEmpty() ? QStringLiteral("%1#%2 - no such file(s).").arg(file).arg(revision)
+                                       : result.error;
         return false;
     }
     change = result.records.first().int_value(QStringLiteral("change"));
@@ -361,7 +370,8 @@ bool VCS_P4_DEPOT::export_files(QString& error, const QString& directory, int ch
     const RESULT mapping = p4({QStringLiteral("where"), spec});
     if (!mapping.ok || mapping.records.isEmpty())
     {
-        error = mapping.error.isEmpty() ? QStringLiteral("%1 - file(s) not in client view.").arg(directory) : mapping.error;
+        error = mapping.error.isEmpty() ? QStringLiteral("%1 - file(s) not in client view.").arg(directory)
+                                        : mapping.error;
         return false;
     }
     QString prefix = mapping.records.first().value(QStringLiteral("depotFile"));
@@ -370,8 +380,9 @@ bool VCS_P4_DEPOT::export_files(QString& error, const QString& directory, int ch
     const RESULT listing = p4({QStringLiteral("files"), spec + QStringLiteral("@%1").arg(change)});
     if (!listing.ok || listing.records.isEmpty())
     {
-        error = listing.error.isEmpty() ? QStringLiteral("%1 - no such file(s) at change %2.").arg(directory).arg(change)
-                                        : listing.error;
+        error = listing.error.isEmpty()
+                    ? QStringLiteral("%1 - no such file(s) at change %2.").arg(directory).arg(change)
+                    : listing.error;
         return false;
     }
     for (const VCS_ZTAG_RECORD& record : listing.records)
@@ -452,10 +463,12 @@ bool VCS_P4_DEPOT::unresolved(QString& error, const QString& path, QVector<VCS_U
         entry.path = VCS_FILE_SPEC::clean_path(record.value(QStringLiteral("clientFile")));
         const QString from = record.value(QStringLiteral("fromFile"));
         const QString base_file = record.value(QStringLiteral("baseFile"), from);
-        QString base_revision = record.value(QStringLiteral("baseRev"), record.value(QStringLiteral("startFromRev")));
+        QString base_revision =
+            record.value(QStringLiteral("baseRev"), record.value(QStringLiteral("startFromRev")));
         if (base_revision.startsWith(QLatin1Char('#')))
             base_revision.remove(0, 1);
-        if (!base_revision.isEmpty() && base_revision != QLatin1String("none") && base_revision != QLatin1String("0"))
+        if (!base_revision.isEmpty() && base_revision != QLatin1String("none") &&
+            base_revision != QLatin1String("0"))
             entry.base_revision = base_file + QLatin1Char('#') + base_revision;
         QString their_revision = record.value(QStringLiteral("endFromRev"));
         if (their_revision.startsWith(QLatin1Char('#')))
@@ -577,7 +590,8 @@ bool VCS_P4_DEPOT::new_change(QString& error, const QString& description, int& c
         skipping = false;
         lines.append(line);
     }
-    const RESULT created = p4({QStringLiteral("change"), QStringLiteral("-i")}, (lines.join(QLatin1Char('\n')) + QLatin1Char('\n')).toUtf8(), false);
+    const RESULT created = p4({QStringLiteral("change"), QStringLiteral("-i")},
+                              (lines.join(QLatin1Char('\n')) + QLatin1Char('\n')).toUtf8(), false);
     if (!created.ok)
     {
         error = created.error;
@@ -603,8 +617,8 @@ bool VCS_P4_DEPOT::pending_changes(QString& error, QVector<VCS_CHANGE_INFO>& out
         load_info(error);
         return false;
     }
-    const RESULT result = p4({QStringLiteral("changes"), QStringLiteral("-l"), QStringLiteral("-s"), QStringLiteral("pending"),
-                              QStringLiteral("-c"), client});
+    const RESULT result = p4({QStringLiteral("changes"), QStringLiteral("-l"), QStringLiteral("-s"),
+                              QStringLiteral("pending"), QStringLiteral("-c"), client});
     if (!result.ok)
     {
         error = result.error;
@@ -625,7 +639,8 @@ bool VCS_P4_DEPOT::pending_changes(QString& error, QVector<VCS_CHANGE_INFO>& out
 
 bool VCS_P4_DEPOT::delete_change(QString& error, int change)
 {
-    const RESULT result = p4({QStringLiteral("change"), QStringLiteral("-d"), QString::number(change)}, QByteArray(), false);
+    const RESULT result =
+        p4({QStringLiteral("change"), QStringLiteral("-d"), QString::number(change)}, QByteArray(), false);
     if (!result.ok)
     {
         error = result.error;
@@ -642,7 +657,8 @@ bool VCS_P4_DEPOT::submit(QString& error, int change, const QString& description
     {
         if (!description.trimmed().isEmpty())
         {
-            const RESULT form = p4({QStringLiteral("change"), QStringLiteral("-o"), QString::number(change)}, QByteArray(), false);
+            const RESULT form = p4({QStringLiteral("change"), QStringLiteral("-o"), QString::number(change)},
+                                   QByteArray(), false);
             if (!form.ok)
             {
                 error = form.error;
@@ -665,8 +681,8 @@ bool VCS_P4_DEPOT::submit(QString& error, int change, const QString& description
                 skipping = false;
                 lines.append(line);
             }
-            const RESULT updated =
-                p4({QStringLiteral("change"), QStringLiteral("-i")}, (lines.join(QLatin1Char('\n')) + QLatin1Char('\n')).toUtf8(), false);
+            const RESULT updated = p4({QStringLiteral("change"), QStringLiteral("-i")},
+                                      (lines.join(QLatin1Char('\n')) + QLatin1Char('\n')).toUtf8(), false);
             if (!updated.ok)
             {
                 error = updated.error;
@@ -734,11 +750,13 @@ bool VCS_P4_DEPOT::describe(QString& error, int change, VCS_CHANGE_INFO& out)
     const RESULT where = p4(QStringList{QStringLiteral("where")} + depot_files);
     QMap<QString, QString> local_of;
     for (const VCS_ZTAG_RECORD& mapped : where.records)
-        local_of.insert(mapped.value(QStringLiteral("depotFile")), VCS_FILE_SPEC::clean_path(mapped.value(QStringLiteral("path"))));
+        local_of.insert(mapped.value(QStringLiteral("depotFile")),
+                        VCS_FILE_SPEC::clean_path(mapped.value(QStringLiteral("path"))));
     for (VCS_CHANGE_FILE& file : out.files)
     {
         file.local_path = local_of.value(file.depot_path);
-        const QString relative = file.local_path.isEmpty() ? QString() : root_relative_depot_path(file.local_path);
+        const QString relative =
+            file.local_path.isEmpty() ? QString() : root_relative_depot_path(file.local_path);
         if (!relative.isEmpty())
             file.depot_path = relative;
     }
@@ -777,20 +795,24 @@ bool VCS_P4_DEPOT::lock(QString& error, const QString& folder)
         error = QStringLiteral("The database is locked by %1").arg(holder.describe());
         return false;
     }
-    const RESULT known = p4({QStringLiteral("fstat"), QStringLiteral("-T"), QStringLiteral("headRev,headAction"), file});
-    const bool in_depot = known.ok && !known.records.isEmpty() && known.records.first().contains(QStringLiteral("headRev")) &&
-                          !known.records.first().value(QStringLiteral("headAction")).contains(QLatin1String("delete"));
+    const RESULT known =
+        p4({QStringLiteral("fstat"), QStringLiteral("-T"), QStringLiteral("headRev,headAction"), file});
+    const bool in_depot =
+        known.ok && !known.records.isEmpty() && known.records.first().contains(QStringLiteral("headRev")) &&
+        !known.records.first().value(QStringLiteral("headAction")).contains(QLatin1String("delete"));
     if (!in_depot)
     {
         // The first lock of a database puts the lock file into the depot.
         QFile local(file);
-        if (!local.exists() && (!local.open(QIODevice::WriteOnly) || local.write("orbin database lock\n") < 0))
+        if (!local.exists() &&
+            (!local.open(QIODevice::WriteOnly) || local.write("orbin database lock\n") < 0))
         {
             error = QStringLiteral("Cannot create the lock file '%1'").arg(file);
             return false;
         }
         local.close();
-        const RESULT added = p4({QStringLiteral("add"), QStringLiteral("-t"), QStringLiteral("text+l"), file});
+        const RESULT added =
+            p4({QStringLiteral("add"), QStringLiteral("-t"), QStringLiteral("text+l"), file});
         if (!added.ok)
         {
             error = added.error;
@@ -816,7 +838,8 @@ bool VCS_P4_DEPOT::lock(QString& error, const QString& folder)
     const RESULT opened = p4({QStringLiteral("edit"), QStringLiteral("-t"), QStringLiteral("text+l"), file});
     bool refused = !opened.ok;
     for (const QString& message : opened.messages)
-        refused = refused || message.contains(QLatin1String("exclusive")) || message.contains(QLatin1String("can't"));
+        refused = refused || message.contains(QLatin1String("exclusive")) ||
+                  message.contains(QLatin1String("can't"));
     if (refused)
     {
         // Someone else took it between the look and the open.
@@ -840,7 +863,8 @@ bool VCS_P4_DEPOT::unlock(QString& error, const QString& folder)
         return true;
     if (holder.user != user_name() || holder.workspace != workspace_name())
     {
-        error = QStringLiteral("The database is locked by %1; the lock was not released").arg(holder.describe());
+        error =
+            QStringLiteral("The database is locked by %1; the lock was not released").arg(holder.describe());
         return false;
     }
     const RESULT result = p4({QStringLiteral("revert"), lock_file(folder)});

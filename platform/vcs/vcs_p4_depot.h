@@ -54,9 +54,9 @@ public:
     {
         bool ok = false;
         QVector<VCS_ZTAG_RECORD> records;
-        QStringList untagged;   // standard output lines that are no fields
-        QStringList messages;   // standard error lines
-        QString error;          // the last error line when the run failed
+        QStringList untagged; // standard output lines that are no fields
+        QStringList messages; // standard error lines
+        QString error;        // the last error line when the run failed
         QByteArray raw_output;
     };
     RESULT p4(const QStringList& arguments, const QByteArray& input = QByteArray(), bool tagged = true) const;

@@ -8,11 +8,11 @@
 // The outcome of one run of an external version-control program.
 struct VCS_PROCESS_RESULT
 {
-    bool started = false;  // false: the program could not be run at all
+    bool started = false; // false: the program could not be run at all
     int exit_code = -1;
     QByteArray standard_output;
     QByteArray standard_error;
-    QString error;         // why it did not start or did not finish; empty otherwise
+    QString error; // why it did not start or did not finish; empty otherwise
 
     bool succeeded() const { return started && error.isEmpty() && exit_code == 0; }
     QStringList output_lines() const;

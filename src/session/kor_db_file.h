@@ -14,12 +14,14 @@ class KOR_DB_FILE
 public:
     // Copies every changed, added and deleted file of the database at path
     // into a new shelf; with delete_local the local changes are then reverted.
-    static bool shelve_db(const QString& path, const QString& name, PROGRESS_CALLBACK* progress, bool delete_local);
+    static bool shelve_db(const QString& path, const QString& name, PROGRESS_CALLBACK* progress,
+                          bool delete_local);
     // Replaces the local changes by the shelf's. Files the depot changed since
     // shelving are first brought back to the revision the shelf was made on,
     // so a later merge sees the shelved work as local edits. A copy of any
     // local changes is kept as a shelf named "before_unshelve_" + time.
-    static bool unshelve_db(const QString& path, const QString& name, PROGRESS_CALLBACK* progress, bool delete_shelf);
+    static bool unshelve_db(const QString& path, const QString& name, PROGRESS_CALLBACK* progress,
+                            bool delete_shelf);
     static bool delete_shelved_db(const QString& path, const QString& name, PROGRESS_CALLBACK* progress);
     // Names of the shelves of the database at path, sorted.
     static QStringList shelved_dbs(const QString& path);

@@ -4,11 +4,11 @@
 // of it, driven with plain git so that what the layer does is checked
 // against git itself.
 
+#include "test_folder.h"
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
 #include <QProcess>
-#include "test_folder.h"
 
 #include <QtTest/QtTest>
 
@@ -34,15 +34,16 @@ public:
         if (output)
             *output = QString::fromUtf8(process.readAllStandardOutput()).trimmed();
         if (process.exitCode() != 0)
-            qWarning().noquote() << "git" << arguments.join(QLatin1Char(' ')) << "failed:" << process.readAllStandardError();
+            qWarning().noquote() << "git" << arguments.join(QLatin1Char(' '))
+                                 << "failed:" << process.readAllStandardError();
         return process.exitStatus() == QProcess::NormalExit && process.exitCode() == 0;
     }
 
     // A bare depot and the "seed" clone that fills it (publish_seed).
     bool create_empty_depot()
     {
-        return git(folder.path(), {QStringLiteral("init"), QStringLiteral("-q"), QStringLiteral("--bare"), QStringLiteral("-b"),
-                                   QStringLiteral("main"), depot()}) &&
+        return git(folder.path(), {QStringLiteral("init"), QStringLiteral("-q"), QStringLiteral("--bare"),
+                                   QStringLiteral("-b"), QStringLiteral("main"), depot()}) &&
                git(folder.path(), {QStringLiteral("clone"), QStringLiteral("-q"), depot(), seed()});
     }
     QString seed() const { return path(QStringLiteral("seed")); }
@@ -52,7 +53,8 @@ public:
     {
         return git(seed(), {QStringLiteral("add"), QStringLiteral("-A")}) &&
                git(seed(), {QStringLiteral("commit"), QStringLiteral("-q"), QStringLiteral("-m"), message}) &&
-               git(seed(), {QStringLiteral("push"), QStringLiteral("-q"), QStringLiteral("origin"), QStringLiteral("HEAD:refs/heads/main")});
+               git(seed(), {QStringLiteral("push"), QStringLiteral("-q"), QStringLiteral("origin"),
+                            QStringLiteral("HEAD:refs/heads/main")});
     }
 
     // A bare depot whose first commit holds the given files (change 1).
@@ -77,8 +79,8 @@ public:
     // A change made outside the layer, as another tool would push it.
     bool push_from_seed(const QString& file, const QByteArray& content, const QString& message)
     {
-        if (!git(seed(), {QStringLiteral("pull"), QStringLiteral("-q"), QStringLiteral("--ff-only"), QStringLiteral("origin"),
-                          QStringLiteral("main")}))
+        if (!git(seed(), {QStringLiteral("pull"), QStringLiteral("-q"), QStringLiteral("--ff-only"),
+                          QStringLiteral("origin"), QStringLiteral("main")}))
             return false;
         write(seed() + QLatin1Char('/') + file, content);
         return publish_seed(message);

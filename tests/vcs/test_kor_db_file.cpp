@@ -85,7 +85,8 @@ private slots:
         const QByteArray edited = GIT_SANDBOX::read(file(QStringLiteral("units.xml")));
         QVERIFY(KOR_DB_FILE::local_db_exists_with_changes(db));
         RECORDING_PROGRESS progress;
-        QVERIFY2(KOR_DB_FILE::shelve_db(db, QStringLiteral("army_work"), &progress, true), qPrintable(progress.messages.join('\n')));
+        QVERIFY2(KOR_DB_FILE::shelve_db(db, QStringLiteral("army_work"), &progress, true),
+                 qPrintable(progress.messages.join('\n')));
         QCOMPARE(KOR_DB_FILE::shelved_dbs(db), QStringList{QStringLiteral("army_work")});
         QVERIFY(!KOR_DB_FILE::shelf_folder(db).startsWith(db));
         // Deleting the local changes after shelving leaves the depot's state.
@@ -94,7 +95,8 @@ private slots:
         QCOMPARE(GIT_SANDBOX::read(file(QStringLiteral("spells.xml"))), spells_v1);
         QVERIFY(!QFileInfo::exists(file(QStringLiteral("heroes.xml"))));
 
-        QVERIFY2(KOR_DB_FILE::unshelve_db(db, QStringLiteral("army_work"), &progress, true), qPrintable(progress.messages.join('\n')));
+        QVERIFY2(KOR_DB_FILE::unshelve_db(db, QStringLiteral("army_work"), &progress, true),
+                 qPrintable(progress.messages.join('\n')));
         QCOMPARE(GIT_SANDBOX::read(file(QStringLiteral("units.xml"))), edited);
         QCOMPARE(GIT_SANDBOX::read(file(QStringLiteral("heroes.xml"))), QByteArray("<heroes/>\n"));
         QVERIFY(!QFileInfo::exists(file(QStringLiteral("spells.xml"))));
@@ -124,7 +126,8 @@ private slots:
         QVERIFY2(backup.startsWith(QLatin1String("before_unshelve_")), qPrintable(backup));
         // The work that made way comes back from its own shelf.
         QVERIFY(KOR_DB_FILE::unshelve_db(db, backup, nullptr, true));
-        QCOMPARE(GIT_SANDBOX::read(file(QStringLiteral("spells.xml"))), QByteArray("<spells>other work</spells>\n"));
+        QCOMPARE(GIT_SANDBOX::read(file(QStringLiteral("spells.xml"))),
+                 QByteArray("<spells>other work</spells>\n"));
         QCOMPARE(GIT_SANDBOX::read(file(QStringLiteral("units.xml"))), units_v1);
     }
 
@@ -132,7 +135,8 @@ private slots:
     {
         GIT_SANDBOX::write(file(QStringLiteral("units.xml")), "<units>mine</units>\n");
         QVERIFY(KOR_DB_FILE::shelve_db(db, QStringLiteral("before_update"), nullptr, true));
-        QVERIFY(sandbox->push_from_seed(QStringLiteral("raw_data/db/units.xml"), "<units>theirs</units>\n", QStringLiteral("Theirs")));
+        QVERIFY(sandbox->push_from_seed(QStringLiteral("raw_data/db/units.xml"), "<units>theirs</units>\n",
+                                        QStringLiteral("Theirs")));
         QString error;
         std::unique_ptr<VCS_DEPOT> depot = VCS_DEPOT::open(error, db);
         QStringList updated;
@@ -192,8 +196,9 @@ private slots:
         QVERIFY(!KOR_DB_FILE::local_db_exists_with_changes(plain));
         RECORDING_PROGRESS progress;
         QVERIFY(!KOR_DB_FILE::shelve_db(plain, QStringLiteral("nothing"), &progress, true));
-        QVERIFY2(progress.messages.join('\n').contains(QLatin1String("not in a workspace under version control")),
-                 qPrintable(progress.messages.join('\n')));
+        QVERIFY2(
+            progress.messages.join('\n').contains(QLatin1String("not in a workspace under version control")),
+            qPrintable(progress.messages.join('\n')));
         QCOMPARE(GIT_SANDBOX::read(plain + QStringLiteral("/units.xml")), units_v1);
     }
 };

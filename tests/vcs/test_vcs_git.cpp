@@ -43,8 +43,8 @@ class TEST_VCS_GIT : public QObject
 
 private:
     std::unique_ptr<GIT_SANDBOX> sandbox;
-    QString a;  // first workspace
-    QString b;  // second workspace
+    QString a; // first workspace
+    QString b; // second workspace
 
     // Runs a verb in a workspace; the output, and whether it worked.
     QVector<QString> run(const QString& workspace, const QString& command, const QStringList& arguments,
@@ -72,7 +72,10 @@ private:
         return opened;
     }
 
-    QString file(const QString& workspace, const QString& name) const { return workspace + QLatin1Char('/') + name; }
+    QString file(const QString& workspace, const QString& name) const
+    {
+        return workspace + QLatin1Char('/') + name;
+    }
 
 private slots:
     void initTestCase()
@@ -108,10 +111,12 @@ private slots:
         QCOMPARE(info.size(), 1);
         QCOMPARE(info.first().value(QStringLiteral("clientRoot")), a);
         const QVector<VCS_ZTAG_RECORD> other = records_of(run(b, QStringLiteral("info"), {}));
-        QVERIFY(info.first().value(QStringLiteral("clientName")) != other.first().value(QStringLiteral("clientName")));
+        QVERIFY(info.first().value(QStringLiteral("clientName")) !=
+                other.first().value(QStringLiteral("clientName")));
 
         // A file argument in another workspace takes the command there.
-        const QVector<VCS_ZTAG_RECORD> have = records_of(run(a, QStringLiteral("have"), {file(b, QStringLiteral("db/units.xml"))}));
+        const QVector<VCS_ZTAG_RECORD> have =
+            records_of(run(a, QStringLiteral("have"), {file(b, QStringLiteral("db/units.xml"))}));
         QCOMPARE(have.size(), 1);
         QCOMPARE(have.first().value(QStringLiteral("path")), file(b, QStringLiteral("db/units.xml")));
         QCOMPARE(have.first().value(QStringLiteral("haveRev")), QStringLiteral("1"));
@@ -121,8 +126,10 @@ private slots:
     {
         QTest::addColumn<QString>("git_program");
         QTest::addColumn<QString>("expected");
-        QTest::newRow("plain folder") << QString() << QStringLiteral("not in a workspace under version control");
-        QTest::newRow("git missing") << QStringLiteral("/nonexistent/git") << QStringLiteral("could not be started");
+        QTest::newRow("plain folder")
+            << QString() << QStringLiteral("not in a workspace under version control");
+        QTest::newRow("git missing") << QStringLiteral("/nonexistent/git")
+                                     << QStringLiteral("could not be started");
     }
 
     void outside_a_workspace_is_a_clear_error()
@@ -150,7 +157,8 @@ private slots:
         QVERIFY(!connected);
         QVERIFY2(error.contains(expected), qPrintable(error));
         QVERIFY(!ran);
-        QVERIFY2(!output.isEmpty() && output.last().contains(expected), qPrintable(lines_of(output).join('\n')));
+        QVERIFY2(!output.isEmpty() && output.last().contains(expected),
+                 qPrintable(lines_of(output).join('\n')));
         QVERIFY(root.isEmpty());
     }
 
@@ -161,10 +169,12 @@ private slots:
         const QByteArray units_v2("<units>\n<unit key=\"archer\"/>\n<unit key=\"knight\"/>\n</units>\n");
         GIT_SANDBOX::write(units_a, units_v2);
         bool ok = false;
-        const QStringList submitted = lines_of(run(a, QStringLiteral("submit"), {QStringLiteral("-d"), QStringLiteral("More units")}, &ok));
+        const QStringList submitted = lines_of(
+            run(a, QStringLiteral("submit"), {QStringLiteral("-d"), QStringLiteral("More units")}, &ok));
         QVERIFY2(ok, qPrintable(submitted.join('\n')));
         QVERIFY2(submitted.contains(QStringLiteral("Change 2 submitted.")), qPrintable(submitted.join('\n')));
-        QVERIFY(lines_of(run(a, QStringLiteral("opened"), {})).join('\n').contains(QLatin1String("not opened")));
+        QVERIFY(
+            lines_of(run(a, QStringLiteral("opened"), {})).join('\n').contains(QLatin1String("not opened")));
 
         const QVector<VCS_ZTAG_RECORD> synced = records_of(run(b, QStringLiteral("sync"), {}));
         QCOMPARE(synced.size(), 1);
@@ -177,19 +187,20 @@ private slots:
         QList<QPair<int, QString>> called;
         QVERIFY(quiet.run(QStringLiteral("sync"), {}, collect_line, &called));
         QCOMPARE(called.size(), 1);
-        QCOMPARE(called.first().first, 1);  // a warning, and no failure
+        QCOMPARE(called.first().first, 1); // a warning, and no failure
         QVERIFY(called.first().second.contains(QLatin1String("up-to-date")));
 
         // The shape the layout export reads: "//" stands for the client root.
-        const QStringList described = lines_of(run(b, QStringLiteral("describe"), {QStringLiteral("-s"), QStringLiteral("2")}));
+        const QStringList described =
+            lines_of(run(b, QStringLiteral("describe"), {QStringLiteral("-s"), QStringLiteral("2")}));
         QVERIFY(described.first().startsWith(QLatin1String("Change 2 by ")));
         QVERIFY(described.contains(QStringLiteral("\tMore units")));
         const int affected = described.indexOf(QStringLiteral("Affected files ..."));
         QVERIFY(affected > 0);
         QVERIFY(described.mid(affected).contains(QStringLiteral("//db/units.xml#2 edit")));
 
-        const QVector<VCS_ZTAG_RECORD> latest =
-            records_of(run(b, QStringLiteral("changes"), {QStringLiteral("-m1"), file(b, QStringLiteral("db/..."))}));
+        const QVector<VCS_ZTAG_RECORD> latest = records_of(
+            run(b, QStringLiteral("changes"), {QStringLiteral("-m1"), file(b, QStringLiteral("db/..."))}));
         QCOMPARE(latest.size(), 1);
         QCOMPARE(latest.first().value(QStringLiteral("change")), QStringLiteral("2"));
         QCOMPARE(latest.first().value(QStringLiteral("desc")).trimmed(), QStringLiteral("More units"));
@@ -198,7 +209,8 @@ private slots:
         const QString notes_b = file(b, QStringLiteral("db/notes.txt"));
         run(b, QStringLiteral("edit"), {notes_b});
         GIT_SANDBOX::write(notes_b, "changed\n");
-        QVERIFY(lines_of(run(b, QStringLiteral("submit"), {QStringLiteral("-d"), QStringLiteral("Notes")})).contains(QStringLiteral("Change 3 submitted.")));
+        QVERIFY(lines_of(run(b, QStringLiteral("submit"), {QStringLiteral("-d"), QStringLiteral("Notes")}))
+                    .contains(QStringLiteral("Change 3 submitted.")));
         P4_CONNECTION connection(true, true, false);
         connection.set_start_directory(a);
         QString error;
@@ -216,14 +228,18 @@ private slots:
         QTest::addColumn<QByteArray>("theirs");
         QTest::addColumn<QByteArray>("expected");
         QTest::addColumn<bool>("still_unresolved");
-        QTest::newRow("accept theirs") << "-at" << QByteArray("a\nB\nc\nd\ne\n") << QByteArray("a\nb\nc\nd\nE\n")
-                                       << QByteArray("a\nb\nc\nd\nE\n") << false;
-        QTest::newRow("accept yours") << "-ay" << QByteArray("a\nB\nc\nd\ne\n") << QByteArray("a\nb\nc\nd\nE\n")
-                                      << QByteArray("a\nB\nc\nd\ne\n") << false;
-        QTest::newRow("merge apart") << "-am" << QByteArray("a\nB\nc\nd\ne\n") << QByteArray("a\nb\nc\nd\nE\n")
-                                     << QByteArray("a\nB\nc\nd\nE\n") << false;
-        QTest::newRow("merge conflict keeps yours") << "-am" << QByteArray("a\nX\nc\nd\ne\n") << QByteArray("a\nY\nc\nd\ne\n")
-                                                    << QByteArray("a\nX\nc\nd\ne\n") << true;
+        QTest::newRow("accept theirs")
+            << "-at" << QByteArray("a\nB\nc\nd\ne\n") << QByteArray("a\nb\nc\nd\nE\n")
+            << QByteArray("a\nb\nc\nd\nE\n") << false;
+        QTest::newRow("accept yours")
+            << "-ay" << QByteArray("a\nB\nc\nd\ne\n") << QByteArray("a\nb\nc\nd\nE\n")
+            << QByteArray("a\nB\nc\nd\ne\n") << false;
+        QTest::newRow("merge apart") << "-am" << QByteArray("a\nB\nc\nd\ne\n")
+                                     << QByteArray("a\nb\nc\nd\nE\n") << QByteArray("a\nB\nc\nd\nE\n")
+                                     << false;
+        QTest::newRow("merge conflict keeps yours")
+            << "-am" << QByteArray("a\nX\nc\nd\ne\n") << QByteArray("a\nY\nc\nd\ne\n")
+            << QByteArray("a\nX\nc\nd\ne\n") << true;
     }
 
     void sync_with_local_edits_then_resolve()
@@ -235,17 +251,19 @@ private slots:
         QFETCH(bool, still_unresolved);
 
         const QString notes_b = file(b, QStringLiteral("db/notes.txt"));
-        GIT_SANDBOX::write(notes_b, local);  // edited without opening: git files are writable
-        QVERIFY(sandbox->push_from_seed(QStringLiteral("db/notes.txt"), theirs, QStringLiteral("Their notes")));
+        GIT_SANDBOX::write(notes_b, local); // edited without opening: git files are writable
+        QVERIFY(
+            sandbox->push_from_seed(QStringLiteral("db/notes.txt"), theirs, QStringLiteral("Their notes")));
 
         const QStringList synced = lines_of(run(b, QStringLiteral("sync"), {}));
         QVERIFY2(synced.join('\n').contains(QLatin1String("must resolve")), qPrintable(synced.join('\n')));
-        QCOMPARE(GIT_SANDBOX::read(notes_b), local);  // nothing local is lost by a sync
+        QCOMPARE(GIT_SANDBOX::read(notes_b), local); // nothing local is lost by a sync
         QCOMPARE(records_of(run(b, QStringLiteral("resolve"), {QStringLiteral("-n")})).size(), 1);
 
         run(b, QStringLiteral("resolve"), {how, notes_b});
         QCOMPARE(GIT_SANDBOX::read(notes_b), expected);
-        QCOMPARE(records_of(run(b, QStringLiteral("resolve"), {QStringLiteral("-n")})).size(), still_unresolved ? 1 : 0);
+        QCOMPARE(records_of(run(b, QStringLiteral("resolve"), {QStringLiteral("-n")})).size(),
+                 still_unresolved ? 1 : 0);
         std::unique_ptr<VCS_DEPOT> client = depot(b);
         QVector<VCS_UNRESOLVED> left;
         QString error;
@@ -258,7 +276,8 @@ private slots:
             bool exists = false;
             QVERIFY(client->read_file(error, notes_b, left.first().base_revision, base, exists) && exists);
             QCOMPARE(base, notes_v1);
-            QVERIFY(client->read_file(error, notes_b, left.first().their_revision, their_content, exists) && exists);
+            QVERIFY(client->read_file(error, notes_b, left.first().their_revision, their_content, exists) &&
+                    exists);
             QCOMPARE(their_content, theirs);
         }
     }
@@ -279,9 +298,12 @@ private slots:
         QVERIFY(connection.run(QStringLiteral("sync"), {units_a + QStringLiteral("@1")}, output));
         QCOMPARE(GIT_SANDBOX::read(units_a), units_v1);
         int change = 0;
-        QVERIFY2(KOR_DB_PERFORCE::get_changelist_number(error, change, units_a, connection, true), qPrintable(error));
+        QVERIFY2(KOR_DB_PERFORCE::get_changelist_number(error, change, units_a, connection, true),
+                 qPrintable(error));
         QCOMPARE(change, 1);
-        QCOMPARE(records_of(run(a, QStringLiteral("have"), {units_a})).first().value(QStringLiteral("haveRev")), QStringLiteral("1"));
+        QCOMPARE(
+            records_of(run(a, QStringLiteral("have"), {units_a})).first().value(QStringLiteral("haveRev")),
+            QStringLiteral("1"));
         // A file at an older revision is nothing to submit.
         std::unique_ptr<VCS_DEPOT> client = depot(a);
         QVector<VCS_FILE_STATUS> changed;
@@ -308,17 +330,26 @@ private slots:
 
     void revert_restores_exactly_data()
     {
-        QTest::addColumn<QString>("open_as");  // empty: changed without opening
+        QTest::addColumn<QString>("open_as"); // empty: changed without opening
         QTest::addColumn<QString>("name");
         QTest::addColumn<QStringList>("flags");
-        QTest::addColumn<QByteArray>("expected");  // "<missing>" when the file is gone
+        QTest::addColumn<QByteArray>("expected"); // "<missing>" when the file is gone
         QTest::addColumn<QString>("action");
-        QTest::newRow("changed file") << QString() << "db/units.xml" << QStringList() << units_v1 << "reverted";
-        QTest::newRow("opened for edit") << "edit" << "db/units.xml" << QStringList() << units_v1 << "reverted";
-        QTest::newRow("keep content") << "edit" << "db/units.xml" << QStringList{"-k"} << QByteArray("changed\n") << "reverted";
-        QTest::newRow("opened for delete") << "delete" << "db/units.xml" << QStringList() << units_v1 << "reverted";
-        QTest::newRow("opened for add") << "add" << "db/new.xml" << QStringList() << QByteArray("changed\n") << "abandoned";
-        QTest::newRow("add wiped") << "add" << "db/new.xml" << QStringList{"-w"} << QByteArray("<missing>") << "abandoned";
+        QTest::newRow("changed file")
+            << QString() << "db/units.xml" << QStringList() << units_v1 << "reverted";
+        QTest::newRow("opened for edit") << "edit"
+                                         << "db/units.xml" << QStringList() << units_v1 << "reverted";
+        QTest::newRow("keep content")
+            << "edit"
+            << "db/units.xml" << QStringList{"-k"} << QByteArray("changed\n") << "reverted";
+        QTest::newRow("opened for delete") << "delete"
+                                           << "db/units.xml" << QStringList() << units_v1 << "reverted";
+        QTest::newRow("opened for add")
+            << "add"
+            << "db/new.xml" << QStringList() << QByteArray("changed\n") << "abandoned";
+        QTest::newRow("add wiped") << "add"
+                                   << "db/new.xml" << QStringList{"-w"} << QByteArray("<missing>")
+                                   << "abandoned";
     }
 
     void revert_restores_exactly()
@@ -333,7 +364,8 @@ private slots:
             GIT_SANDBOX::write(target, "changed\n");
         if (!open_as.isEmpty())
             run(a, open_as, {target});
-        const QVector<VCS_ZTAG_RECORD> reverted = records_of(run(a, QStringLiteral("revert"), flags + QStringList{target}));
+        const QVector<VCS_ZTAG_RECORD> reverted =
+            records_of(run(a, QStringLiteral("revert"), flags + QStringList{target}));
         QCOMPARE(reverted.size(), 1);
         QCOMPARE(reverted.first().value(QStringLiteral("action")), action);
         QCOMPARE(GIT_SANDBOX::read(target), expected);
@@ -352,7 +384,8 @@ private slots:
         run(a, QStringLiteral("submit"), {QStringLiteral("-d"), QStringLiteral("From a")}, &ok);
         QVERIFY(ok);
 
-        const QStringList refused = lines_of(run(b, QStringLiteral("submit"), {QStringLiteral("-d"), QStringLiteral("From b")}, &ok));
+        const QStringList refused =
+            lines_of(run(b, QStringLiteral("submit"), {QStringLiteral("-d"), QStringLiteral("From b")}, &ok));
         QVERIFY(!ok);
         QVERIFY2(refused.join('\n').contains(QLatin1String("Out of date")), qPrintable(refused.join('\n')));
         QCOMPARE(GIT_SANDBOX::read(notes_b), QByteArray("a\nb\nc\nd\nB\n"));
@@ -361,7 +394,8 @@ private slots:
         run(b, QStringLiteral("sync"), {});
         run(b, QStringLiteral("resolve"), {QStringLiteral("-am")});
         QCOMPARE(GIT_SANDBOX::read(notes_b), QByteArray("A\nb\nc\nd\nB\n"));
-        const QStringList submitted = lines_of(run(b, QStringLiteral("submit"), {QStringLiteral("-d"), QStringLiteral("From b")}, &ok));
+        const QStringList submitted =
+            lines_of(run(b, QStringLiteral("submit"), {QStringLiteral("-d"), QStringLiteral("From b")}, &ok));
         QVERIFY2(ok, qPrintable(submitted.join('\n')));
         run(a, QStringLiteral("sync"), {});
         QCOMPARE(GIT_SANDBOX::read(notes_a), QByteArray("A\nb\nc\nd\nB\n"));
@@ -376,7 +410,8 @@ private slots:
         run(b, QStringLiteral("edit"), {units_b});
         GIT_SANDBOX::write(units_b, "mine\n");
         bool ok = true;
-        const QStringList refused = lines_of(run(b, QStringLiteral("submit"), {QStringLiteral("-d"), QStringLiteral("Blocked")}, &ok));
+        const QStringList refused = lines_of(
+            run(b, QStringLiteral("submit"), {QStringLiteral("-d"), QStringLiteral("Blocked")}, &ok));
         QVERIFY(!ok);
         QVERIFY2(refused.join('\n').contains(QLatin1String("refused")), qPrintable(refused.join('\n')));
         QCOMPARE(GIT_SANDBOX::read(units_b), QByteArray("mine\n"));
@@ -398,9 +433,10 @@ private slots:
         QVERIFY(!holder.held);
 
         QVERIFY2(first->lock(error, db_a), qPrintable(error));
-        QVERIFY2(first->lock(error, db_a), qPrintable(error));  // already ours
+        QVERIFY2(first->lock(error, db_a), qPrintable(error)); // already ours
         QVERIFY(!second->lock(error, db_b));
-        QVERIFY2(error.contains(first->workspace_name()) && error.contains(first->user_name()), qPrintable(error));
+        QVERIFY2(error.contains(first->workspace_name()) && error.contains(first->user_name()),
+                 qPrintable(error));
         QVERIFY(second->lock_holder(error, db_b, holder));
         QVERIFY(holder.held);
         QCOMPARE(holder.workspace, first->workspace_name());
@@ -409,7 +445,7 @@ private slots:
         QVERIFY(!second->unlock(error, db_b));
         QVERIFY2(error.contains(QLatin1String("not released")), qPrintable(error));
         QVERIFY2(first->unlock(error, db_a), qPrintable(error));
-        QVERIFY2(first->unlock(error, db_a), qPrintable(error));  // nothing held is no failure
+        QVERIFY2(first->unlock(error, db_a), qPrintable(error)); // nothing held is no failure
         QVERIFY2(second->lock(error, db_b), qPrintable(error));
         QVERIFY(!first->lock(error, db_a));
         QVERIFY(second->unlock(error, db_b));
@@ -432,14 +468,17 @@ private slots:
             seen.insert(status.path.mid(a.size() + 1), qMakePair(status.change, status.opened));
         QCOMPARE(seen.size(), 4);
         QCOMPARE(seen.value(QStringLiteral("db/units.xml")), qMakePair(VCS_ACTION::EDIT, VCS_ACTION::NONE));
-        QCOMPARE(seen.value(QStringLiteral("db/new_table.xml")), qMakePair(VCS_ACTION::ADD, VCS_ACTION::NONE));
+        QCOMPARE(seen.value(QStringLiteral("db/new_table.xml")),
+                 qMakePair(VCS_ACTION::ADD, VCS_ACTION::NONE));
         QCOMPARE(seen.value(QStringLiteral("db/notes.txt")), qMakePair(VCS_ACTION::DELETE, VCS_ACTION::NONE));
-        QCOMPARE(seen.value(QStringLiteral("db/Veld_validation.xml")), qMakePair(VCS_ACTION::NONE, VCS_ACTION::EDIT));
+        QCOMPARE(seen.value(QStringLiteral("db/Veld_validation.xml")),
+                 qMakePair(VCS_ACTION::NONE, VCS_ACTION::EDIT));
 
         QStringList incoming;
         QVERIFY(client->incoming(error, a + QStringLiteral("/db"), incoming));
         QVERIFY(incoming.isEmpty());
-        QVERIFY(sandbox->push_from_seed(QStringLiteral("db/notes.txt"), "theirs\n", QStringLiteral("Theirs")));
+        QVERIFY(
+            sandbox->push_from_seed(QStringLiteral("db/notes.txt"), "theirs\n", QStringLiteral("Theirs")));
         QVERIFY(client->incoming(error, a + QStringLiteral("/db"), incoming));
         QCOMPARE(incoming, QStringList{file(a, QStringLiteral("db/notes.txt"))});
         int have = 0;
@@ -454,22 +493,30 @@ private slots:
     {
         const QString units_a = file(a, QStringLiteral("db/units.xml"));
         const QString form = QStringLiteral("Change:\tnew\n\nDescription:\n\tLocked work\n\tsecond line\n");
-        QStringList created = lines_of(run(a, QStringLiteral("change"), {QStringLiteral("-i")}, nullptr, form));
+        QStringList created =
+            lines_of(run(a, QStringLiteral("change"), {QStringLiteral("-i")}, nullptr, form));
         QVERIFY2(created.contains(QStringLiteral("Change 2 created.")), qPrintable(created.join('\n')));
         run(a, QStringLiteral("edit"), {QStringLiteral("-c"), QStringLiteral("2"), units_a});
         GIT_SANDBOX::write(units_a, "locked work\n");
-        const QVector<VCS_ZTAG_RECORD> opened = records_of(run(a, QStringLiteral("opened"), {QStringLiteral("-c"), QStringLiteral("2")}));
+        const QVector<VCS_ZTAG_RECORD> opened =
+            records_of(run(a, QStringLiteral("opened"), {QStringLiteral("-c"), QStringLiteral("2")}));
         QCOMPARE(opened.size(), 1);
         QCOMPARE(opened.first().value(QStringLiteral("change")), QStringLiteral("2"));
-        QVERIFY(lines_of(run(a, QStringLiteral("describe"), {QStringLiteral("-s"), QStringLiteral("2")})).first().contains(QLatin1String("*pending*")));
+        QVERIFY(lines_of(run(a, QStringLiteral("describe"), {QStringLiteral("-s"), QStringLiteral("2")}))
+                    .first()
+                    .contains(QLatin1String("*pending*")));
 
         // Someone else submits first: the pending number is taken.
-        QVERIFY(sandbox->push_from_seed(QStringLiteral("db/notes.txt"), "other\n", QStringLiteral("Other work")));
+        QVERIFY(
+            sandbox->push_from_seed(QStringLiteral("db/notes.txt"), "other\n", QStringLiteral("Other work")));
         bool ok = false;
-        const QStringList submitted = lines_of(run(a, QStringLiteral("submit"), {QStringLiteral("-c"), QStringLiteral("2")}, &ok));
+        const QStringList submitted =
+            lines_of(run(a, QStringLiteral("submit"), {QStringLiteral("-c"), QStringLiteral("2")}, &ok));
         QVERIFY2(ok, qPrintable(submitted.join('\n')));
-        QVERIFY2(submitted.contains(QStringLiteral("Change 2 renamed change 3 and submitted.")), qPrintable(submitted.join('\n')));
-        const QStringList described = lines_of(run(b, QStringLiteral("describe"), {QStringLiteral("-s"), QStringLiteral("3")}));
+        QVERIFY2(submitted.contains(QStringLiteral("Change 2 renamed change 3 and submitted.")),
+                 qPrintable(submitted.join('\n')));
+        const QStringList described =
+            lines_of(run(b, QStringLiteral("describe"), {QStringLiteral("-s"), QStringLiteral("3")}));
         QVERIFY(described.contains(QStringLiteral("\tsecond line")));
         // The workspace has the other submit's file at the revision it had.
         QCOMPARE(GIT_SANDBOX::read(file(a, QStringLiteral("db/notes.txt"))), notes_v1);
@@ -478,20 +525,25 @@ private slots:
 
     void export_at_an_older_change_matches_that_change()
     {
-        QVERIFY(sandbox->push_from_seed(QStringLiteral("db/units.xml"), "<units/>\n", QStringLiteral("Second")));
-        QVERIFY(sandbox->push_from_seed(QStringLiteral("db/added.xml"), "<added/>\n", QStringLiteral("Third")));
+        QVERIFY(
+            sandbox->push_from_seed(QStringLiteral("db/units.xml"), "<units/>\n", QStringLiteral("Second")));
+        QVERIFY(
+            sandbox->push_from_seed(QStringLiteral("db/added.xml"), "<added/>\n", QStringLiteral("Third")));
         std::unique_ptr<VCS_DEPOT> client = depot(a);
         QString error;
         for (int change : {1, 3})
         {
             const QString target = sandbox->path(QStringLiteral("copy%1").arg(change));
             QDir().mkpath(target);
-            QVERIFY2(client->export_files(error, a + QStringLiteral("/db"), change, target), qPrintable(error));
-            QCOMPARE(GIT_SANDBOX::read(target + QStringLiteral("/units.xml")), change == 1 ? units_v1 : QByteArray("<units/>\n"));
+            QVERIFY2(client->export_files(error, a + QStringLiteral("/db"), change, target),
+                     qPrintable(error));
+            QCOMPARE(GIT_SANDBOX::read(target + QStringLiteral("/units.xml")),
+                     change == 1 ? units_v1 : QByteArray("<units/>\n"));
             QCOMPARE(QFileInfo::exists(target + QStringLiteral("/added.xml")), change == 3);
             QCOMPARE(GIT_SANDBOX::read(target + QStringLiteral("/notes.txt")), notes_v1);
         }
-        QVERIFY(!client->export_files(error, a + QStringLiteral("/db"), 9, sandbox->path(QStringLiteral("copy9"))));
+        QVERIFY(!client->export_files(error, a + QStringLiteral("/db"), 9,
+                                      sandbox->path(QStringLiteral("copy9"))));
         QVERIFY2(error.contains(QLatin1String("unknown")), qPrintable(error));
         // The workspace itself did not move.
         QCOMPARE(GIT_SANDBOX::read(file(a, QStringLiteral("db/units.xml"))), units_v1);

@@ -17,10 +17,13 @@ class TEST_VCS_P4 : public QObject
 
 private:
     std::unique_ptr<QTemporaryDir> folder;
-    QString root;      // the client workspace
-    QString answers;   // the fake client's folder
+    QString root;    // the client workspace
+    QString answers; // the fake client's folder
 
-    static QString recordings() { return qEnvironmentVariable("ORBIN_SOURCE_DIR") + QStringLiteral("/tests/vcs/p4_recordings"); }
+    static QString recordings()
+    {
+        return qEnvironmentVariable("ORBIN_SOURCE_DIR") + QStringLiteral("/tests/vcs/p4_recordings");
+    }
 
     // Puts the recorded answers of a scenario where the fake client finds them.
     void use(const QString& scenario)
@@ -76,7 +79,8 @@ private:
     std::unique_ptr<VCS_DEPOT> depot()
     {
         QString error;
-        std::unique_ptr<VCS_DEPOT> opened = VCS_DEPOT::open(error, root + QStringLiteral("/db"), QStringLiteral("Orbin"));
+        std::unique_ptr<VCS_DEPOT> opened =
+            VCS_DEPOT::open(error, root + QStringLiteral("/db"), QStringLiteral("Orbin"));
         if (!opened)
             qWarning().noquote() << error;
         return opened;
@@ -95,7 +99,9 @@ private slots:
         QVERIFY(config.open(QIODevice::WriteOnly));
         config.write("P4CLIENT=alice_ws\nP4PORT=perforce.example.org:1666\n");
         config.close();
-        qputenv("ORBIN_P4", (qEnvironmentVariable("ORBIN_SOURCE_DIR") + QStringLiteral("/tests/vcs/fake_p4.sh")).toUtf8());
+        qputenv(
+            "ORBIN_P4",
+            (qEnvironmentVariable("ORBIN_SOURCE_DIR") + QStringLiteral("/tests/vcs/fake_p4.sh")).toUtf8());
         qputenv("FAKE_P4_DIR", answers.toUtf8());
         qputenv("FAKE_P4_ROOT", root.toUtf8());
         qunsetenv("ORBIN_VCS");
@@ -120,7 +126,8 @@ private slots:
         QVERIFY2(calls().isEmpty(), "connecting must not talk to the server");
         QCOMPARE(connection.backend_name(), QStringLiteral("perforce"));
         QCOMPARE(connection.get_root(), root);
-        QCOMPARE(calls().last(), (QStringList{QStringLiteral("-zprog=KILN"), QStringLiteral("-ztag"), QStringLiteral("info")}));
+        QCOMPARE(calls().last(), (QStringList{QStringLiteral("-zprog=KILN"), QStringLiteral("-ztag"),
+                                              QStringLiteral("info")}));
     }
 
     void commands_pass_through_data()
@@ -130,11 +137,17 @@ private slots:
         QTest::addColumn<QString>("file");
         QTest::addColumn<bool>("succeeds");
         QTest::addColumn<QString>("last_line");
-        QTest::newRow("edit") << "edit_ok" << "edit" << "db/units.xml" << true << QString();
-        QTest::newRow("edit of an unknown file") << "edit_refused" << "edit" << "db/missing.xml" << false
-                                                 << "@ROOT@/db/missing.xml - file(s) not on client.";
-        QTest::newRow("revert of a file not opened") << "edit_refused" << "revert" << "db/units.xml" << true
-                                                     << "@ROOT@/db/units.xml - file(s) not opened on this client.";
+        QTest::newRow("edit") << "edit_ok"
+                              << "edit"
+                              << "db/units.xml" << true << QString();
+        QTest::newRow("edit of an unknown file")
+            << "edit_refused"
+            << "edit"
+            << "db/missing.xml" << false << "@ROOT@/db/missing.xml - file(s) not on client.";
+        QTest::newRow("revert of a file not opened")
+            << "edit_refused"
+            << "revert"
+            << "db/units.xml" << true << "@ROOT@/db/units.xml - file(s) not opened on this client.";
     }
 
     void commands_pass_through()
@@ -154,8 +167,8 @@ private slots:
         QString target = root + QLatin1Char('/') + file;
         target.replace(QLatin1Char('/'), QLatin1Char('\\')).replace(0, 1, QLatin1Char('/'));
         QCOMPARE(connection.run(command, {target}, output, QString(), &error), succeeds);
-        QCOMPARE(calls().last(), (QStringList{QStringLiteral("-zprog=Orbin"), QStringLiteral("-ztag"), command,
-                                              root + QLatin1Char('/') + file}));
+        QCOMPARE(calls().last(), (QStringList{QStringLiteral("-zprog=Orbin"), QStringLiteral("-ztag"),
+                                              command, root + QLatin1Char('/') + file}));
         if (succeeds)
         {
             QVERIFY(error.isEmpty());
@@ -176,11 +189,13 @@ private slots:
         P4_CONNECTION connection(true, true, false);
         connection.set_start_directory(root);
         QVector<QString> output;
-        QVERIFY(connection.run(QStringLiteral("describe"), {QStringLiteral("-s"), QStringLiteral("4711")}, output));
-        QCOMPARE(calls().first(),
-                 (QStringList{QStringLiteral("-ztag"), QStringLiteral("describe"), QStringLiteral("-s"), QStringLiteral("4711")}));
+        QVERIFY(connection.run(QStringLiteral("describe"), {QStringLiteral("-s"), QStringLiteral("4711")},
+                               output));
+        QCOMPARE(calls().first(), (QStringList{QStringLiteral("-ztag"), QStringLiteral("describe"),
+                                               QStringLiteral("-s"), QStringLiteral("4711")}));
         QCOMPARE(last_call(QStringLiteral("where")),
-                 (QStringList{QStringLiteral("where"), QStringLiteral("//depot/game/raw_data/UI/army/army_panel.slpui"),
+                 (QStringList{QStringLiteral("where"),
+                              QStringLiteral("//depot/game/raw_data/UI/army/army_panel.slpui"),
                               QStringLiteral("//depot/game/raw_data/UI/army/army_panel.slpui.images"),
                               QStringLiteral("//depot/shared/tools/readme.txt")}));
         const QStringList lines(output.begin(), output.end());
@@ -193,8 +208,11 @@ private slots:
         QVERIFY(files.contains(QStringLiteral("//depot/shared/tools/readme.txt#3 edit")));
 
         // What the layout export makes of a line: "//" becomes the root, cut at "#".
-        const QString line = files.at(files.indexOf(QStringLiteral("//raw_data/UI/army/army_panel.slpui#12 edit")));
-        const QString local = QString(line).replace(QStringLiteral("//"), root + QLatin1Char('/')).section(QLatin1Char('#'), 0, 0);
+        const QString line =
+            files.at(files.indexOf(QStringLiteral("//raw_data/UI/army/army_panel.slpui#12 edit")));
+        const QString local = QString(line)
+                                  .replace(QStringLiteral("//"), root + QLatin1Char('/'))
+                                  .section(QLatin1Char('#'), 0, 0);
         QCOMPARE(local, root + QStringLiteral("/raw_data/UI/army/army_panel.slpui"));
     }
 
@@ -206,18 +224,23 @@ private slots:
         const QString units = root + QStringLiteral("/db/units.xml");
         QString error;
         int change = 0;
-        QVERIFY2(KOR_DB_PERFORCE::get_changelist_number(error, change, units, connection, true), qPrintable(error));
+        QVERIFY2(KOR_DB_PERFORCE::get_changelist_number(error, change, units, connection, true),
+                 qPrintable(error));
         QCOMPARE(change, 1520);
-        QCOMPARE(last_call(QStringLiteral("changes")),
-                 (QStringList{QStringLiteral("changes"), QStringLiteral("-m1"), units + QStringLiteral("#have")}));
+        QCOMPARE(
+            last_call(QStringLiteral("changes")),
+            (QStringList{QStringLiteral("changes"), QStringLiteral("-m1"), units + QStringLiteral("#have")}));
         QVERIFY(KOR_DB_PERFORCE::get_changelist_number(error, change, units, connection, false));
         QCOMPARE(last_call(QStringLiteral("changes")),
-                 (QStringList{QStringLiteral("changes"), QStringLiteral("-m1"), QStringLiteral("-s"), QStringLiteral("submitted"), units}));
+                 (QStringList{QStringLiteral("changes"), QStringLiteral("-m1"), QStringLiteral("-s"),
+                              QStringLiteral("submitted"), units}));
         QVERIFY(KOR_DB_PERFORCE::get_file_changelist_number(change, 3, units, connection));
-        QCOMPARE(last_call(QStringLiteral("changes")),
-                 (QStringList{QStringLiteral("changes"), QStringLiteral("-m1"), units + QStringLiteral("#3")}));
+        QCOMPARE(
+            last_call(QStringLiteral("changes")),
+            (QStringList{QStringLiteral("changes"), QStringLiteral("-m1"), units + QStringLiteral("#3")}));
         QVERIFY(KOR_DB_PERFORCE::sync_file_to_revision(connection, units, 3));
-        QCOMPARE(last_call(QStringLiteral("sync")), (QStringList{QStringLiteral("sync"), units + QStringLiteral("#3")}));
+        QCOMPARE(last_call(QStringLiteral("sync")),
+                 (QStringList{QStringLiteral("sync"), units + QStringLiteral("#3")}));
     }
 
     void status_joins_opened_and_loose_changes()
@@ -230,15 +253,19 @@ private slots:
         QVector<VCS_FILE_STATUS> changes;
         QVERIFY2(client->status(error, root + QStringLiteral("/db"), changes), qPrintable(error));
         const QString spec = root + QStringLiteral("/db/...");
-        QCOMPARE(last_call(QStringLiteral("fstat")), (QStringList{QStringLiteral("fstat"), QStringLiteral("-Ro"), spec}));
-        QCOMPARE(last_call(QStringLiteral("diff")), (QStringList{QStringLiteral("diff"), QStringLiteral("-sr"), spec}));
-        QCOMPARE(last_call(QStringLiteral("reconcile")), (QStringList{QStringLiteral("reconcile"), QStringLiteral("-n"), spec}));
+        QCOMPARE(last_call(QStringLiteral("fstat")),
+                 (QStringList{QStringLiteral("fstat"), QStringLiteral("-Ro"), spec}));
+        QCOMPARE(last_call(QStringLiteral("diff")),
+                 (QStringList{QStringLiteral("diff"), QStringLiteral("-sr"), spec}));
+        QCOMPARE(last_call(QStringLiteral("reconcile")),
+                 (QStringList{QStringLiteral("reconcile"), QStringLiteral("-n"), spec}));
         QMap<QString, VCS_FILE_STATUS> by_name;
         for (const VCS_FILE_STATUS& status : changes)
             by_name.insert(QFileInfo(status.path).fileName(), status);
-        QCOMPARE(by_name.keys(), (QStringList{QStringLiteral("heroes.xml"), QStringLiteral("new_table.xml"), QStringLiteral("old.xml"),
-                                               QStringLiteral("spells.xml"), QStringLiteral("units.xml")}));
-        QCOMPARE(by_name.value(QStringLiteral("units.xml")).change, VCS_ACTION::NONE);  // opened, unchanged
+        QCOMPARE(by_name.keys(), (QStringList{QStringLiteral("heroes.xml"), QStringLiteral("new_table.xml"),
+                                              QStringLiteral("old.xml"), QStringLiteral("spells.xml"),
+                                              QStringLiteral("units.xml")}));
+        QCOMPARE(by_name.value(QStringLiteral("units.xml")).change, VCS_ACTION::NONE); // opened, unchanged
         QCOMPARE(by_name.value(QStringLiteral("units.xml")).opened, VCS_ACTION::EDIT);
         QCOMPARE(by_name.value(QStringLiteral("spells.xml")).change, VCS_ACTION::EDIT);
         QCOMPARE(by_name.value(QStringLiteral("spells.xml")).opened_change, 1600);
@@ -259,16 +286,20 @@ private slots:
         QVERIFY2(client->unresolved(error, root + QStringLiteral("/db"), open_resolves), qPrintable(error));
         QCOMPARE(open_resolves.size(), 1);
         QCOMPARE(open_resolves.first().path, root + QStringLiteral("/db/spells.xml"));
-        QCOMPARE(open_resolves.first().base_revision, QStringLiteral("//depot/game/raw_data/db/spells.xml#3"));
-        QCOMPARE(open_resolves.first().their_revision, QStringLiteral("//depot/game/raw_data/db/spells.xml#5"));
+        QCOMPARE(open_resolves.first().base_revision,
+                 QStringLiteral("//depot/game/raw_data/db/spells.xml#3"));
+        QCOMPARE(open_resolves.first().their_revision,
+                 QStringLiteral("//depot/game/raw_data/db/spells.xml#5"));
         QByteArray content;
         bool exists = false;
-        QVERIFY(client->read_file(error, open_resolves.first().path, open_resolves.first().base_revision, content, exists));
+        QVERIFY(client->read_file(error, open_resolves.first().path, open_resolves.first().base_revision,
+                                  content, exists));
         QVERIFY(exists);
         QCOMPARE(content, QByteArray("spells as of revision 3\n"));
         // The content comes untagged, exactly as the depot holds it.
         QCOMPARE(last_call(QStringLiteral("print")),
-                 (QStringList{QStringLiteral("print"), QStringLiteral("-q"), QStringLiteral("//depot/game/raw_data/db/spells.xml#3")}));
+                 (QStringList{QStringLiteral("print"), QStringLiteral("-q"),
+                              QStringLiteral("//depot/game/raw_data/db/spells.xml#3")}));
     }
 
     void lock_held_by_another_is_refused()
@@ -279,7 +310,8 @@ private slots:
         QVERIFY(!client->lock(error, root + QStringLiteral("/db")));
         QVERIFY2(error.contains(QLatin1String("locked by bob (workspace bob_ws")), qPrintable(error));
         QCOMPARE(last_call(QStringLiteral("opened")),
-                 (QStringList{QStringLiteral("opened"), QStringLiteral("-a"), root + QStringLiteral("/db/orbin.lock")}));
+                 (QStringList{QStringLiteral("opened"), QStringLiteral("-a"),
+                              root + QStringLiteral("/db/orbin.lock")}));
         QVERIFY(!client->unlock(error, root + QStringLiteral("/db")));
         QVERIFY2(error.contains(QLatin1String("not released")), qPrintable(error));
         QVERIFY(last_call(QStringLiteral("revert")).isEmpty());
@@ -292,8 +324,8 @@ private slots:
         QString error;
         QVERIFY2(client->lock(error, root + QStringLiteral("/db")), qPrintable(error));
         const QString lock_file = root + QStringLiteral("/db/orbin.lock");
-        QCOMPARE(last_call(QStringLiteral("edit")),
-                 (QStringList{QStringLiteral("edit"), QStringLiteral("-t"), QStringLiteral("text+l"), lock_file}));
+        QCOMPARE(last_call(QStringLiteral("edit")), (QStringList{QStringLiteral("edit"), QStringLiteral("-t"),
+                                                                 QStringLiteral("text+l"), lock_file}));
         VCS_LOCK_INFO holder;
         QVERIFY(client->lock_holder(error, root + QStringLiteral("/db"), holder));
         QVERIFY(holder.held);
@@ -312,26 +344,31 @@ private slots:
         QCOMPARE(change, 1601);
         const QString form = input_of(QStringLiteral("change"), 2);
         QVERIFY2(form.contains(QLatin1String("Description:\n\tLocked for submit\n")), qPrintable(form));
-        QVERIFY2(!form.contains(QLatin1String("\nFiles:")), "the default changelist's files stay where they are");
+        QVERIFY2(!form.contains(QLatin1String("\nFiles:")),
+                 "the default changelist's files stay where they are");
         QVERIFY(client->open(error, {root + QStringLiteral("/db/units.xml")}, VCS_ACTION::EDIT, change));
         QCOMPARE(last_call(QStringLiteral("edit")),
-                 (QStringList{QStringLiteral("edit"), QStringLiteral("-c"), QStringLiteral("1601"), root + QStringLiteral("/db/units.xml")}));
+                 (QStringList{QStringLiteral("edit"), QStringLiteral("-c"), QStringLiteral("1601"),
+                              root + QStringLiteral("/db/units.xml")}));
         int submitted = 0;
         QVERIFY2(client->submit(error, change, QStringLiteral("Balance pass"), submitted), qPrintable(error));
         QCOMPARE(submitted, 1602);
-        QVERIFY(input_of(QStringLiteral("change"), 4).contains(QLatin1String("Description:\n\tBalance pass\n")));
-        QCOMPARE(last_call(QStringLiteral("submit")), (QStringList{QStringLiteral("submit"), QStringLiteral("-c"), QStringLiteral("1601")}));
+        QVERIFY(
+            input_of(QStringLiteral("change"), 4).contains(QLatin1String("Description:\n\tBalance pass\n")));
+        QCOMPARE(last_call(QStringLiteral("submit")),
+                 (QStringList{QStringLiteral("submit"), QStringLiteral("-c"), QStringLiteral("1601")}));
     }
 
     void operations_run_these_command_lines_data()
     {
         QTest::addColumn<QString>("operation");
-        QTest::addColumn<QStringList>("expected");  // the verbs with their arguments, "|" between calls
+        QTest::addColumn<QStringList>("expected"); // the verbs with their arguments, "|" between calls
         QTest::newRow("sync opens loose changes first")
             << "sync" << QStringList{"reconcile @ROOT@/db/...", "sync @ROOT@/db/..."};
         QTest::newRow("revert takes back every local change")
             << "revert" << QStringList{"reconcile @ROOT@/db/...", "revert -w @ROOT@/db/..."};
-        QTest::newRow("revert keeping the content only undoes opens") << "revert -k" << QStringList{"revert -k @ROOT@/db/..."};
+        QTest::newRow("revert keeping the content only undoes opens")
+            << "revert -k" << QStringList{"revert -k @ROOT@/db/..."};
         QTest::newRow("pending changelists of this client")
             << "pending" << QStringList{"info", "changes -l -s pending -c alice_ws"};
     }
@@ -360,7 +397,8 @@ private slots:
             QVERIFY2(client->pending_changes(error, pending), qPrintable(error));
             QCOMPARE(pending.size(), 1);
             QCOMPARE(pending.first().number, 1610);
-            QCOMPARE(pending.first().description, QStringLiteral("Database changes locked for submit: ") + db);
+            QCOMPARE(pending.first().description,
+                     QStringLiteral("Database changes locked for submit: ") + db);
         }
         QStringList made;
         for (QStringList call : calls())
@@ -378,7 +416,8 @@ private slots:
         QString error;
         std::unique_ptr<VCS_DEPOT> client = VCS_DEPOT::open(error, root);
         QVERIFY(!client);
-        QVERIFY2(error.contains(QLatin1String("Perforce command-line client")) && error.contains(QLatin1String("not installed")),
+        QVERIFY2(error.contains(QLatin1String("Perforce command-line client")) &&
+                     error.contains(QLatin1String("not installed")),
                  qPrintable(error));
         P4_CONNECTION connection(true, true, false);
         connection.set_start_directory(root);

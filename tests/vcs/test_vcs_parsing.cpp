@@ -21,20 +21,26 @@ private slots:
         QTest::addColumn<QString>("value_in_first");
         QTest::addColumn<QStringList>("untagged");
         QTest::newRow("blank lines between records")
-            << QStringList{"... depotFile //a", "... rev 1", "", "... depotFile //b", "... rev 2", ""} << 2 << "rev" << "1"
-            << QStringList();
+            << QStringList{"... depotFile //a", "... rev 1", "", "... depotFile //b", "... rev 2", ""} << 2
+            << "rev"
+            << "1" << QStringList();
         QTest::newRow("a repeated field starts a record")
-            << QStringList{"... depotFile //a", "... rev 1", "... depotFile //b", "... rev 2"} << 2 << "depotFile" << "//a"
-            << QStringList();
+            << QStringList{"... depotFile //a", "... rev 1", "... depotFile //b", "... rev 2"} << 2
+            << "depotFile"
+            << "//a" << QStringList();
         QTest::newRow("description over lines and its closing blank line")
-            << QStringList{"... change 7", "... desc First line", "second line", "", "third line", "", "... status submitted",
-                           "... depotFile0 //x"}
-            << 1 << "desc" << "First line\nsecond line\n\nthird line" << QStringList();
-        QTest::newRow("a field without value") << QStringList{"... isMapped", "... headRev 3"} << 1 << "isMapped" << ""
-                                               << QStringList();
+            << QStringList{"... change 7",         "... desc First line", "second line", "", "third line", "",
+                           "... status submitted", "... depotFile0 //x"}
+            << 1 << "desc"
+            << "First line\nsecond line\n\nthird line" << QStringList();
+        QTest::newRow("a field without value")
+            << QStringList{"... isMapped", "... headRev 3"} << 1 << "isMapped"
+            << "" << QStringList();
         QTest::newRow("messages before any field")
-            << QStringList{"Change 12 created.", "... change 12"} << 1 << "change" << "12" << QStringList{"Change 12 created."};
-        QTest::newRow("nothing") << QStringList() << 0 << "" << "" << QStringList();
+            << QStringList{"Change 12 created.", "... change 12"} << 1 << "change"
+            << "12" << QStringList{"Change 12 created."};
+        QTest::newRow("nothing") << QStringList() << 0 << ""
+                                 << "" << QStringList();
     }
 
     void tagged_output_splits_into_records()
@@ -84,20 +90,58 @@ private slots:
         QTest::addColumn<QString>("matching");
         QTest::addColumn<QString>("not_matching");
         const int none = VCS_FILE_SPEC::REVISION_NONE_GIVEN;
-        QTest::newRow("absolute file") << "/ws/db/units.xml" << "db/units.xml" << none << 0 << "db" << "db/units.xml"
+        QTest::newRow("absolute file") << "/ws/db/units.xml"
+                                       << "db/units.xml" << none << 0 << "db"
+                                       << "db/units.xml"
                                        << "db/units.xml.bak";
-        QTest::newRow("windows separators") << "/ws\\db\\units.xml" << "db/units.xml" << none << 0 << "db" << "db/units.xml" << "";
-        QTest::newRow("relative") << "db/units.xml" << "db/units.xml" << none << 0 << "db" << "db/units.xml" << "";
-        QTest::newRow("depot syntax") << "//db/..." << "db/..." << none << 0 << "db" << "db/sub/a.xml" << "dbx/a.xml";
-        QTest::newRow("one level") << "/ws/db/*.xml" << "db/*.xml" << none << 0 << "db" << "db/a.xml" << "db/sub/a.xml";
-        QTest::newRow("whole workspace") << "//..." << "..." << none << 0 << "" << "any/where.txt" << "";
-        QTest::newRow("the root folder") << "/ws" << "..." << none << 0 << "" << "a.txt" << "";
-        QTest::newRow("have") << "/ws/db/a.xml#have" << "db/a.xml" << int(VCS_FILE_SPEC::REVISION_HAVE) << 0 << "db" << "db/a.xml" << "";
-        QTest::newRow("head") << "/ws/db/a.xml#head" << "db/a.xml" << int(VCS_FILE_SPEC::REVISION_HEAD) << 0 << "db" << "db/a.xml" << "";
-        QTest::newRow("revision") << "/ws/db/a.xml#3" << "db/a.xml" << int(VCS_FILE_SPEC::REVISION_FILE) << 3 << "db" << "db/a.xml" << "";
-        QTest::newRow("revision none") << "/ws/db/a.xml#0" << "db/a.xml" << int(VCS_FILE_SPEC::REVISION_DELETED) << 0 << "db" << "" << "";
-        QTest::newRow("changelist") << "/ws/db/...@120" << "db/..." << int(VCS_FILE_SPEC::REVISION_CHANGE) << 120 << "db" << "" << "";
-        QTest::newRow("at sign in a folder name") << "/ws/a@b/c.xml" << "a@b/c.xml" << none << 0 << "a@b" << "a@b/c.xml" << "";
+        QTest::newRow("windows separators") << "/ws\\db\\units.xml"
+                                            << "db/units.xml" << none << 0 << "db"
+                                            << "db/units.xml"
+                                            << "";
+        QTest::newRow("relative") << "db/units.xml"
+                                  << "db/units.xml" << none << 0 << "db"
+                                  << "db/units.xml"
+                                  << "";
+        QTest::newRow("depot syntax") << "//db/..."
+                                      << "db/..." << none << 0 << "db"
+                                      << "db/sub/a.xml"
+                                      << "dbx/a.xml";
+        QTest::newRow("one level") << "/ws/db/*.xml"
+                                   << "db/*.xml" << none << 0 << "db"
+                                   << "db/a.xml"
+                                   << "db/sub/a.xml";
+        QTest::newRow("whole workspace") << "//..."
+                                         << "..." << none << 0 << ""
+                                         << "any/where.txt"
+                                         << "";
+        QTest::newRow("the root folder") << "/ws"
+                                         << "..." << none << 0 << ""
+                                         << "a.txt"
+                                         << "";
+        QTest::newRow("have") << "/ws/db/a.xml#have"
+                              << "db/a.xml" << int(VCS_FILE_SPEC::REVISION_HAVE) << 0 << "db"
+                              << "db/a.xml"
+                              << "";
+        QTest::newRow("head") << "/ws/db/a.xml#head"
+                              << "db/a.xml" << int(VCS_FILE_SPEC::REVISION_HEAD) << 0 << "db"
+                              << "db/a.xml"
+                              << "";
+        QTest::newRow("revision") << "/ws/db/a.xml#3"
+                                  << "db/a.xml" << int(VCS_FILE_SPEC::REVISION_FILE) << 3 << "db"
+                                  << "db/a.xml"
+                                  << "";
+        QTest::newRow("revision none") << "/ws/db/a.xml#0"
+                                       << "db/a.xml" << int(VCS_FILE_SPEC::REVISION_DELETED) << 0 << "db"
+                                       << ""
+                                       << "";
+        QTest::newRow("changelist") << "/ws/db/...@120"
+                                    << "db/..." << int(VCS_FILE_SPEC::REVISION_CHANGE) << 120 << "db"
+                                    << ""
+                                    << "";
+        QTest::newRow("at sign in a folder name") << "/ws/a@b/c.xml"
+                                                  << "a@b/c.xml" << none << 0 << "a@b"
+                                                  << "a@b/c.xml"
+                                                  << "";
     }
 
     void file_arguments()
@@ -115,7 +159,9 @@ private slots:
         QCOMPARE(spec.relative_pattern(), pattern);
         QCOMPARE(int(spec.revision_kind()), kind);
         QCOMPARE(spec.revision_number(), number);
-        QCOMPARE(spec.has_wildcards() ? spec.fixed_directory() : spec.relative_pattern().section(QLatin1Char('/'), 0, -2), folder);
+        QCOMPARE(spec.has_wildcards() ? spec.fixed_directory()
+                                      : spec.relative_pattern().section(QLatin1Char('/'), 0, -2),
+                 folder);
         if (!matching.isEmpty())
             QVERIFY(spec.matches(matching));
         if (!not_matching.isEmpty())
@@ -126,11 +172,16 @@ private slots:
     {
         QTest::addColumn<QString>("text");
         QTest::addColumn<QString>("message");
-        QTest::newRow("outside the workspace") << "/elsewhere/a.xml" << "not in client view";
-        QTest::newRow("climbing out") << "//../a.xml" << "not in client view";
-        QTest::newRow("label") << "/ws/a.xml@release" << "only changelist numbers";
-        QTest::newRow("unknown revision word") << "/ws/a.xml#latest" << "unknown revision";
-        QTest::newRow("empty") << "" << "empty";
+        QTest::newRow("outside the workspace") << "/elsewhere/a.xml"
+                                               << "not in client view";
+        QTest::newRow("climbing out") << "//../a.xml"
+                                      << "not in client view";
+        QTest::newRow("label") << "/ws/a.xml@release"
+                               << "only changelist numbers";
+        QTest::newRow("unknown revision word") << "/ws/a.xml#latest"
+                                               << "unknown revision";
+        QTest::newRow("empty") << ""
+                               << "empty";
     }
 
     void bad_file_arguments()
@@ -149,12 +200,18 @@ private slots:
         QTest::addColumn<QStringList>("flags");
         QTest::addColumn<QString>("change");
         QTest::addColumn<QStringList>("files");
-        QTest::newRow("flags then files") << QStringList{"-n", "-k", "a", "b"} << QStringList{"-k", "-n"} << "" << QStringList{"a", "b"};
-        QTest::newRow("value apart") << QStringList{"-c", "12", "a"} << QStringList() << "12" << QStringList{"a"};
-        QTest::newRow("value joined") << QStringList{"-c12", "a"} << QStringList() << "12" << QStringList{"a"};
-        QTest::newRow("resolve flags are words") << QStringList{"-at", "a"} << QStringList{"-at"} << "" << QStringList{"a"};
-        QTest::newRow("after a file nothing is an option") << QStringList{"a", "-n"} << QStringList() << "" << QStringList{"a", "-n"};
-        QTest::newRow("double dash") << QStringList{"--", "-odd-name"} << QStringList() << "" << QStringList{"-odd-name"};
+        QTest::newRow("flags then files")
+            << QStringList{"-n", "-k", "a", "b"} << QStringList{"-k", "-n"} << "" << QStringList{"a", "b"};
+        QTest::newRow("value apart") << QStringList{"-c", "12", "a"} << QStringList() << "12"
+                                     << QStringList{"a"};
+        QTest::newRow("value joined")
+            << QStringList{"-c12", "a"} << QStringList() << "12" << QStringList{"a"};
+        QTest::newRow("resolve flags are words")
+            << QStringList{"-at", "a"} << QStringList{"-at"} << "" << QStringList{"a"};
+        QTest::newRow("after a file nothing is an option")
+            << QStringList{"a", "-n"} << QStringList() << "" << QStringList{"a", "-n"};
+        QTest::newRow("double dash") << QStringList{"--", "-odd-name"} << QStringList() << ""
+                                     << QStringList{"-odd-name"};
     }
 
     void command_options()
@@ -182,8 +239,10 @@ private slots:
         change.status = QStringLiteral("submitted");
         change.time = QDateTime(QDate(2024, 3, 5), QTime(9, 8, 7));
         change.description = QStringLiteral("Fix the army panel\nand its icons");
-        change.files.append(VCS_CHANGE_FILE{QStringLiteral("//raw_data/UI/army.slpui"), QString(), 4, QStringLiteral("edit")});
-        change.files.append(VCS_CHANGE_FILE{QStringLiteral("//raw_data/UI/new.slpui"), QString(), 1, QStringLiteral("add")});
+        change.files.append(VCS_CHANGE_FILE{QStringLiteral("//raw_data/UI/army.slpui"), QString(), 4,
+                                            QStringLiteral("edit")});
+        change.files.append(
+            VCS_CHANGE_FILE{QStringLiteral("//raw_data/UI/new.slpui"), QString(), 1, QStringLiteral("add")});
         const QStringList expected{QStringLiteral("Change 42 by dana@dana_ws on 2024/03/05 09:08:07"),
                                    QString(),
                                    QStringLiteral("\tFix the army panel"),

@@ -39,7 +39,8 @@ void add_record(KOR_TABLE_DATA& table, const QUuid& uuid, const QString& text)
         const QString name = part.section(QLatin1Char('='), 0, 0);
         const QString value = part.section(QLatin1Char('='), 1);
         const KOR_FIELD_SCHEMA* field = table.table_schema()->field_schema_by_name(name);
-        record->add_field_data(field, name == QLatin1String("hp") ? QVariant(value.toInt()) : QVariant(value));
+        record->add_field_data(field,
+                               name == QLatin1String("hp") ? QVariant(value.toInt()) : QVariant(value));
     }
     QString error;
     QVERIFY2(table.add_record(record, &error), qPrintable(error));
@@ -73,18 +74,23 @@ private slots:
         QTest::addColumn<int>("conflicts");
         const QString one = QStringLiteral("key=archer;hp=1;name=A");
         QTest::newRow("untouched") << one << one << one << one << 0;
-        QTest::newRow("their edit is taken") << one << one << "key=archer;hp=2;name=A" << "key=archer;hp=2;name=A" << 0;
-        QTest::newRow("your edit is kept") << one << "key=archer;hp=3;name=A" << one << "key=archer;hp=3;name=A" << 0;
-        QTest::newRow("different fields both kept") << one << "key=archer;hp=3;name=A" << "key=archer;hp=1;name=B"
+        QTest::newRow("their edit is taken") << one << one << "key=archer;hp=2;name=A"
+                                             << "key=archer;hp=2;name=A" << 0;
+        QTest::newRow("your edit is kept")
+            << one << "key=archer;hp=3;name=A" << one << "key=archer;hp=3;name=A" << 0;
+        QTest::newRow("different fields both kept") << one << "key=archer;hp=3;name=A"
+                                                    << "key=archer;hp=1;name=B"
                                                     << "key=archer;hp=3;name=B" << 0;
-        QTest::newRow("same field, same value") << one << "key=archer;hp=5;name=A" << "key=archer;hp=5;name=A"
+        QTest::newRow("same field, same value") << one << "key=archer;hp=5;name=A"
+                                                << "key=archer;hp=5;name=A"
                                                 << "key=archer;hp=5;name=A" << 0;
-        QTest::newRow("same field, yours wins") << one << "key=archer;hp=5;name=A" << "key=archer;hp=6;name=B"
+        QTest::newRow("same field, yours wins") << one << "key=archer;hp=5;name=A"
+                                                << "key=archer;hp=6;name=B"
                                                 << "key=archer;hp=5;name=B" << 1;
         QTest::newRow("field emptied locally") << one << "key=archer;hp=1" << one << "key=archer;hp=1" << 0;
         QTest::newRow("deleted in the depot, untouched here") << one << one << QString() << QString() << 0;
-        QTest::newRow("deleted in the depot, changed here") << one << "key=archer;hp=2;name=A" << QString()
-                                                            << "key=archer;hp=2;name=A" << 1;
+        QTest::newRow("deleted in the depot, changed here")
+            << one << "key=archer;hp=2;name=A" << QString() << "key=archer;hp=2;name=A" << 1;
         QTest::newRow("deleted here, untouched in the depot") << one << QString() << one << QString() << 0;
         QTest::newRow("deleted here, changed in the depot") << one << QString() << "key=archer;hp=3;name=A"
                                                             << "key=archer;hp=3;name=A" << 1;
@@ -116,9 +122,11 @@ private slots:
 
         KOR_RECORD_MERGE::RESULT result;
         QString error;
-        QVERIFY2(KOR_RECORD_MERGE::merge(error, schema.get(), &base_table, your_table, their_table, result), qPrintable(error));
+        QVERIFY2(KOR_RECORD_MERGE::merge(error, schema.get(), &base_table, your_table, their_table, result),
+                 qPrintable(error));
         QCOMPARE(describe(result.merged->record_by_uuid(uuid)), merged);
-        QCOMPARE(describe(result.merged->record_by_uuid(bystander)), QStringLiteral("key=zealot;hp=9;name=Z"));
+        QCOMPARE(describe(result.merged->record_by_uuid(bystander)),
+                 QStringLiteral("key=zealot;hp=9;name=Z"));
         QCOMPARE(result.merged->record_count(), merged.isEmpty() ? 1 : 2);
         QCOMPARE(result.conflicts.size(), conflicts);
         if (conflicts > 0)

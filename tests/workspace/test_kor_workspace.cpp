@@ -34,8 +34,8 @@ class TEST_KOR_WORKSPACE : public QObject
 
 private:
     std::unique_ptr<GIT_SANDBOX> sandbox;
-    QString a_db;  // the database folder of the first workspace
-    QString b_db;  // and of the second
+    QString a_db; // the database folder of the first workspace
+    QString b_db; // and of the second
     QByteArray units_v1;
     QByteArray spells_v1;
 
@@ -65,16 +65,21 @@ private slots:
         QVERIFY(sandbox->create_empty_depot());
         {
             TEST_DATABASE_BUILDER builder(sandbox->seed() + QStringLiteral("/raw_data/db"));
-            builder.table(QStringLiteral("units"), {TEST_FIELD::key(QStringLiteral("key")), TEST_FIELD::plain(QStringLiteral("hp"), KFT_INTEGER)})
-                .record(QStringLiteral("units"), {{QStringLiteral("key"), QStringLiteral("archer")}, {QStringLiteral("hp"), 10}})
+            builder
+                .table(QStringLiteral("units"), {TEST_FIELD::key(QStringLiteral("key")),
+                                                 TEST_FIELD::plain(QStringLiteral("hp"), KFT_INTEGER)})
+                .record(QStringLiteral("units"),
+                        {{QStringLiteral("key"), QStringLiteral("archer")}, {QStringLiteral("hp"), 10}})
                 .table(QStringLiteral("spells"), {TEST_FIELD::key(QStringLiteral("key"))})
                 .record(QStringLiteral("spells"), {{QStringLiteral("key"), QStringLiteral("fire")}});
             QVERIFY2(builder.ok(), qPrintable(builder.error()));
         }
         GIT_SANDBOX::write(sandbox->seed() + QStringLiteral("/raw_data/db/old/notes.txt"), "old\n");
         QVERIFY(sandbox->publish_seed(QStringLiteral("The database")));
-        a_db = QFileInfo(sandbox->clone(QStringLiteral("a"))).canonicalFilePath() + QStringLiteral("/raw_data/db");
-        b_db = QFileInfo(sandbox->clone(QStringLiteral("b"))).canonicalFilePath() + QStringLiteral("/raw_data/db");
+        a_db = QFileInfo(sandbox->clone(QStringLiteral("a"))).canonicalFilePath() +
+               QStringLiteral("/raw_data/db");
+        b_db = QFileInfo(sandbox->clone(QStringLiteral("b"))).canonicalFilePath() +
+               QStringLiteral("/raw_data/db");
         units_v1 = GIT_SANDBOX::read(in(a_db, QStringLiteral("units.xml")));
         spells_v1 = GIT_SANDBOX::read(in(a_db, QStringLiteral("spells.xml")));
     }
@@ -87,12 +92,17 @@ private slots:
         {
             KOR_XML_QUERY_INTERFACE engine(nullptr, QString(), false, false);
             QVERIFY(engine.connect_without_merge(a_db, false).isEmpty());
-            const auto heroes = TEST_DATABASE_BUILDER::make_schema(QStringLiteral("heroes"), {TEST_FIELD::key(QStringLiteral("key"))});
+            const auto heroes = TEST_DATABASE_BUILDER::make_schema(QStringLiteral("heroes"),
+                                                                   {TEST_FIELD::key(QStringLiteral("key"))});
             QVERIFY(engine.add_table(*heroes, QString(), QString()).isEmpty());
-            QVERIFY(engine.remove_table(QStringLiteral("spells"), QStringLiteral("tester"), QStringLiteral("not needed")).isEmpty());
+            QVERIFY(engine
+                        .remove_table(QStringLiteral("spells"), QStringLiteral("tester"),
+                                      QStringLiteral("not needed"))
+                        .isEmpty());
             QString error;
             QVERIFY(engine.begin_transaction(error, true));
-            const KOR_RECORD_DATA* archer = engine.get_table_data(error, QStringLiteral("units"))->record_by_key(QStringLiteral("archer"));
+            const KOR_RECORD_DATA* archer = engine.get_table_data(error, QStringLiteral("units"))
+                                                ->record_by_key(QStringLiteral("archer"));
             KOR_RECORD_DATA copy(*archer, nullptr);
             copy.get_field_data(QStringLiteral("hp"))->set_value(11);
             QVERIFY(engine.edit_record_data(QStringLiteral("units"), archer, &copy).isEmpty());
@@ -104,9 +114,11 @@ private slots:
         KOR_XML_QUERY_INTERFACE query(nullptr, QString(), false, false);
         QSet<QString> set;
         query.get_changed_tables(set, a_db);
-        QVERIFY2(set.contains(QStringLiteral("units")) && !set.contains(QStringLiteral("spells")), qPrintable(sorted(set).join(',')));
+        QVERIFY2(set.contains(QStringLiteral("units")) && !set.contains(QStringLiteral("spells")),
+                 qPrintable(sorted(set).join(',')));
         query.get_changed_schemas(set, a_db);
-        QVERIFY2(set.contains(QStringLiteral("heroes")) && !set.contains(QStringLiteral("units")), qPrintable(sorted(set).join(',')));
+        QVERIFY2(set.contains(QStringLiteral("heroes")) && !set.contains(QStringLiteral("units")),
+                 qPrintable(sorted(set).join(',')));
         query.get_deleted_tables(set, a_db);
         QCOMPARE(sorted(set), QStringList{QStringLiteral("spells")});
         query.get_added_files(set, a_db);
@@ -131,7 +143,7 @@ private slots:
         QVERIFY(!second.lock_database(error, b_db));
         QVERIFY2(error.contains(QLatin1String("locked by")), qPrintable(error));
         QVERIFY(second.is_database_locked(b_db, holder));
-        QVERIFY2(holder.contains(QLatin1String("_a-")), qPrintable(holder));  // a's workspace
+        QVERIFY2(holder.contains(QLatin1String("_a-")), qPrintable(holder)); // a's workspace
         QVERIFY(!second.unlock_database(b_db));
         QVERIFY(first.unlock_database(a_db));
         QVERIFY(!second.is_database_locked(b_db, holder));
@@ -146,7 +158,7 @@ private slots:
         KOR_XML_QUERY_INTERFACE query(nullptr, QString(), false, false);
         QString error;
         QVERIFY2(query.lock_for_submit(error, a_db, QString()), qPrintable(error));
-        QVERIFY2(query.lock_for_submit(error, a_db, QString()), qPrintable(error));  // locked already
+        QVERIFY2(query.lock_for_submit(error, a_db, QString()), qPrintable(error)); // locked already
         QVERIFY2(query.submit_locked(error, QStringLiteral("Units and heroes"), a_db), qPrintable(error));
         // Afterwards nothing is reported changed.
         QSet<QString> set;
@@ -206,24 +218,28 @@ private slots:
         query.get_changed_files(set, a_db);
         QVERIFY(set.isEmpty());
         // The reverted work is kept aside.
-        const QString safety = QStandardPaths::writableLocation(QStandardPaths::GenericCacheLocation) + QStringLiteral("/orbin/safety");
+        const QString safety = QStandardPaths::writableLocation(QStandardPaths::GenericCacheLocation) +
+                               QStringLiteral("/orbin/safety");
         const QStringList copies = QDir(safety).entryList(QDir::Dirs | QDir::NoDotAndDotDot);
         QVERIFY(!copies.isEmpty());
-        QCOMPARE(GIT_SANDBOX::read(safety + QLatin1Char('/') + copies.last() + QStringLiteral("/units.xml")), QByteArray("<units>edited</units>\n"));
+        QCOMPARE(GIT_SANDBOX::read(safety + QLatin1Char('/') + copies.last() + QStringLiteral("/units.xml")),
+                 QByteArray("<units>edited</units>\n"));
     }
 
     void diff_copy_at_an_older_change_matches_it()
     {
-        QVERIFY(sandbox->push_from_seed(QStringLiteral("raw_data/db/units.xml"), "<units>2</units>\n", QStringLiteral("Second")));
+        QVERIFY(sandbox->push_from_seed(QStringLiteral("raw_data/db/units.xml"), "<units>2</units>\n",
+                                        QStringLiteral("Second")));
         QString copy;
         {
             KOR_XML_QUERY_INTERFACE query(nullptr, QString(), false, false);
             copy = query.create_db_copy_for_diff(a_db, QStringLiteral("1"));
             QVERIFY(!copy.isEmpty());
             QVERIFY(!copy.startsWith(a_db));
-            QCOMPARE(query.create_db_copy_for_diff(a_db, QStringLiteral("1")), copy);  // made once
+            QCOMPARE(query.create_db_copy_for_diff(a_db, QStringLiteral("1")), copy); // made once
             const QString newer = query.create_db_copy_for_diff(a_db, QStringLiteral("2"));
-            QCOMPARE(GIT_SANDBOX::read(newer + QStringLiteral("/units.xml")), QByteArray("<units>2</units>\n"));
+            QCOMPARE(GIT_SANDBOX::read(newer + QStringLiteral("/units.xml")),
+                     QByteArray("<units>2</units>\n"));
             QVERIFY(query.create_db_copy_for_diff(a_db, QStringLiteral("abc")).isEmpty());
             QVERIFY(query.create_db_copy_for_diff(a_db, QStringLiteral("99")).isEmpty());
         }
@@ -238,11 +254,14 @@ private slots:
     {
         KOR_XML_QUERY_INTERFACE query(nullptr, QString(), false, false);
         QString error;
-        QVERIFY2(query.submit_directory_removal(error, in(a_db, QStringLiteral("old")), QStringLiteral("Old notes go")), qPrintable(error));
+        QVERIFY2(query.submit_directory_removal(error, in(a_db, QStringLiteral("old")),
+                                                QStringLiteral("Old notes go")),
+                 qPrintable(error));
         QVERIFY(!QFileInfo::exists(in(a_db, QStringLiteral("old/notes.txt"))));
         sync(b_db);
         QVERIFY(!QFileInfo::exists(in(b_db, QStringLiteral("old/notes.txt"))));
-        QVERIFY(!query.submit_directory_removal(error, in(a_db, QStringLiteral("old")), QStringLiteral("Twice")));
+        QVERIFY(
+            !query.submit_directory_removal(error, in(a_db, QStringLiteral("old")), QStringLiteral("Twice")));
     }
 
     void schema_requests_live_in_the_depot()
@@ -250,19 +269,26 @@ private slots:
         KOR_XML_QUERY_INTERFACE query(nullptr, QString(), false, false);
         QString error;
         GIT_SANDBOX::write(in(a_db, QStringLiteral("update_commands.txt")), "add field hp\n");
-        QVERIFY2(query.submit_schema_changes_request(error, a_db, QStringLiteral("more_hp"), QStringLiteral("Please")), qPrintable(error));
-        QVERIFY(!query.submit_schema_changes_request(error, a_db, QStringLiteral("more_hp"), QStringLiteral("Again")));
+        QVERIFY2(query.submit_schema_changes_request(error, a_db, QStringLiteral("more_hp"),
+                                                     QStringLiteral("Please")),
+                 qPrintable(error));
+        QVERIFY(!query.submit_schema_changes_request(error, a_db, QStringLiteral("more_hp"),
+                                                     QStringLiteral("Again")));
         sync(b_db);
         const QString request = in(b_db, QStringLiteral("schema_changes_requests/more_hp"));
         QVERIFY(QFileInfo::exists(request + QStringLiteral("/requested")));
         QCOMPARE(GIT_SANDBOX::read(request + QStringLiteral("/comments.txt")), QByteArray("Please"));
-        QCOMPARE(GIT_SANDBOX::read(request + QStringLiteral("/update_commands.txt")), QByteArray("add field hp\n"));
+        QCOMPARE(GIT_SANDBOX::read(request + QStringLiteral("/update_commands.txt")),
+                 QByteArray("add field hp\n"));
 
-        QVERIFY2(query.submit_request_change(error, b_db, QStringLiteral("more_hp"), QStringLiteral("on hold")), qPrintable(error));
+        QVERIFY2(
+            query.submit_request_change(error, b_db, QStringLiteral("more_hp"), QStringLiteral("on hold")),
+            qPrintable(error));
         QVERIFY(!QFileInfo::exists(request + QStringLiteral("/requested")));
         QVERIFY(QFileInfo::exists(request + QStringLiteral("/on hold")));
         QVERIFY(!query.submit_request_change(error, b_db, QStringLiteral("more_hp"), QStringLiteral("done")));
-        QVERIFY(query.submit_request_change(error, b_db, QStringLiteral("more_hp"), QStringLiteral("<<deleted>>")));
+        QVERIFY(query.submit_request_change(error, b_db, QStringLiteral("more_hp"),
+                                            QStringLiteral("<<deleted>>")));
         QVERIFY(!QFileInfo::exists(request + QStringLiteral("/comments.txt")));
     }
 
@@ -298,7 +324,8 @@ private slots:
         QVERIFY(query.create_db_copy_for_diff(db, QStringLiteral("1")).isEmpty());
         KOR_DB_FILE::set_single_db_mode(false);
         // Nothing local was touched.
-        QCOMPARE(GIT_SANDBOX::read(in(db, QStringLiteral("units.xml"))), QByteArray("<units>edited</units>\n"));
+        QCOMPARE(GIT_SANDBOX::read(in(db, QStringLiteral("units.xml"))),
+                 QByteArray("<units>edited</units>\n"));
     }
 };
 

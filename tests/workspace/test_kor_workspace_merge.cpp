@@ -54,8 +54,8 @@ bool set_value(const QString& db, const QString& key, const QString& field, cons
 bool add_unit(const QString& db, const QString& key, int hp)
 {
     return change_database(db, [&](KOR_XML_QUERY_INTERFACE& query) {
-        const auto record = TEST_DATABASE_BUILDER::make_record(query.get_table_schema(units),
-                                                               {{QStringLiteral("key"), key}, {QStringLiteral("hp"), hp}});
+        const auto record = TEST_DATABASE_BUILDER::make_record(
+            query.get_table_schema(units), {{QStringLiteral("key"), key}, {QStringLiteral("hp"), hp}});
         return query.add_record(units, record.get());
     });
 }
@@ -78,7 +78,8 @@ bool submit(const QString& db, const QString& description)
 {
     KOR_XML_QUERY_INTERFACE query(nullptr, QString(), false, false);
     QString error;
-    const bool done = query.lock_for_submit(error, db, QString()) && query.submit_locked(error, description, db);
+    const bool done =
+        query.lock_for_submit(error, db, QString()) && query.submit_locked(error, description, db);
     if (!done)
         qWarning().noquote() << error;
     return done;
@@ -116,15 +117,23 @@ private slots:
         QVERIFY(sandbox->create_empty_depot());
         {
             TEST_DATABASE_BUILDER builder(sandbox->seed() + QStringLiteral("/raw_data/db"));
-            builder.table(units, {TEST_FIELD::key(QStringLiteral("key")), TEST_FIELD::plain(QStringLiteral("hp"), KFT_INTEGER),
-                                  TEST_FIELD::plain(QStringLiteral("name"), KFT_TEXT)})
-                .record(units, {{QStringLiteral("key"), QStringLiteral("archer")}, {QStringLiteral("hp"), 10}, {QStringLiteral("name"), QStringLiteral("Archer")}})
-                .record(units, {{QStringLiteral("key"), QStringLiteral("knight")}, {QStringLiteral("hp"), 30}, {QStringLiteral("name"), QStringLiteral("Knight")}});
+            builder
+                .table(units, {TEST_FIELD::key(QStringLiteral("key")),
+                               TEST_FIELD::plain(QStringLiteral("hp"), KFT_INTEGER),
+                               TEST_FIELD::plain(QStringLiteral("name"), KFT_TEXT)})
+                .record(units, {{QStringLiteral("key"), QStringLiteral("archer")},
+                                {QStringLiteral("hp"), 10},
+                                {QStringLiteral("name"), QStringLiteral("Archer")}})
+                .record(units, {{QStringLiteral("key"), QStringLiteral("knight")},
+                                {QStringLiteral("hp"), 30},
+                                {QStringLiteral("name"), QStringLiteral("Knight")}});
             QVERIFY2(builder.ok(), qPrintable(builder.error()));
         }
         QVERIFY(sandbox->publish_seed(QStringLiteral("The database")));
-        a_db = QFileInfo(sandbox->clone(QStringLiteral("a"))).canonicalFilePath() + QStringLiteral("/raw_data/db");
-        b_db = QFileInfo(sandbox->clone(QStringLiteral("b"))).canonicalFilePath() + QStringLiteral("/raw_data/db");
+        a_db = QFileInfo(sandbox->clone(QStringLiteral("a"))).canonicalFilePath() +
+               QStringLiteral("/raw_data/db");
+        b_db = QFileInfo(sandbox->clone(QStringLiteral("b"))).canonicalFilePath() +
+               QStringLiteral("/raw_data/db");
     }
 
     void cleanup() { sandbox.reset(); }
@@ -133,13 +142,15 @@ private slots:
     {
         QVERIFY(set_value(a_db, QStringLiteral("archer"), QStringLiteral("hp"), 20));
         QVERIFY(submit(a_db, QStringLiteral("Stronger archers")));
-        QVERIFY(set_value(b_db, QStringLiteral("knight"), QStringLiteral("name"), QStringLiteral("Sir Knight")));
+        QVERIFY(
+            set_value(b_db, QStringLiteral("knight"), QStringLiteral("name"), QStringLiteral("Sir Knight")));
 
         KOR_XML_QUERY_INTERFACE query(nullptr, QString(), false, false);
         QVERIFY(!query.have_latest(b_db));
         QSignalSpy lines(&query, SIGNAL(mergeUpdate(QString)));
         QString error;
-        QVERIFY2(query.basic_merge(error, b_db, KOR_QUERY_INTERFACE::GET_LATEST_MODE(1), false), qPrintable(error));
+        QVERIFY2(query.basic_merge(error, b_db, KOR_QUERY_INTERFACE::GET_LATEST_MODE(1), false),
+                 qPrintable(error));
         QVERIFY(!lines.isEmpty());
         QVERIFY(!lines_of(lines).join('\n').contains(QLatin1String("Conflict")));
         QSet<QString> touched;
@@ -167,12 +178,15 @@ private slots:
         KOR_XML_QUERY_INTERFACE query(nullptr, QString(), false, false);
         QSignalSpy lines(&query, SIGNAL(mergeUpdate(QString)));
         QString error;
-        QVERIFY2(query.merge_for_checkin(error, b_db, KOR_QUERY_INTERFACE::GET_LATEST_MODE(2), QStringLiteral("Database Editor"), QString()),
+        QVERIFY2(query.merge_for_checkin(error, b_db, KOR_QUERY_INTERFACE::GET_LATEST_MODE(2),
+                                         QStringLiteral("Database Editor"), QString()),
                  qPrintable(error));
         QCOMPARE(value(b_db, QStringLiteral("archer"), QStringLiteral("hp")), QStringLiteral("40"));
         const QString reported = lines_of(lines).join('\n');
-        QVERIFY2(reported.contains(QLatin1String("Conflict in table units, record 'archer', field 'hp': local '40', depot '30' (was '10')")),
-                 qPrintable(reported));
+        QVERIFY2(
+            reported.contains(QLatin1String(
+                "Conflict in table units, record 'archer', field 'hp': local '40', depot '30' (was '10')")),
+            qPrintable(reported));
 
         // The log and the copy of the local table lie in the home folder.
         const QString logs = QDir::homePath() + QStringLiteral("/merge_log");
@@ -181,7 +195,9 @@ private slots:
         const QString folder = logs + QLatin1Char('/') + folders.first();
         QVERIFY(GIT_SANDBOX::read(folder + QStringLiteral("/merge.log")).contains("Conflict in table units"));
         QVERIFY(GIT_SANDBOX::read(folder + QStringLiteral("/yours__units.xml")).contains("40"));
-        QVERIFY(QDir(folder).entryList(QDir::Dirs | QDir::NoDotAndDotDot).isEmpty());  // flat, for the start-up clean-up
+        QVERIFY(QDir(folder)
+                    .entryList(QDir::Dirs | QDir::NoDotAndDotDot)
+                    .isEmpty()); // flat, for the start-up clean-up
     }
 
     void a_key_added_on_both_sides_is_left_for_a_hand_merge()
@@ -193,11 +209,13 @@ private slots:
         KOR_XML_QUERY_INTERFACE query(nullptr, QString(), false, false);
         QString error;
         QVERIFY(!query.basic_merge(error, b_db, KOR_QUERY_INTERFACE::GET_LATEST_MODE(1), false));
-        QVERIFY2(error.contains(QLatin1String("units.xml")) && error.contains(QLatin1String("merge_log")), qPrintable(error));
+        QVERIFY2(error.contains(QLatin1String("units.xml")) && error.contains(QLatin1String("merge_log")),
+                 qPrintable(error));
         // Nothing local is lost, and the merge is still owed.
         QCOMPARE(GIT_SANDBOX::read(b_db + QStringLiteral("/units.xml")), before);
         QVERIFY(query.is_merge_required(b_db));
-        QVERIFY(!query.merge_for_checkin(error, b_db, KOR_QUERY_INTERFACE::GET_LATEST_MODE(2), QStringLiteral("Database Editor"), QString()));
+        QVERIFY(!query.merge_for_checkin(error, b_db, KOR_QUERY_INTERFACE::GET_LATEST_MODE(2),
+                                         QStringLiteral("Database Editor"), QString()));
     }
 
     void changed_fields_are_the_local_changes_of_a_table()
@@ -205,7 +223,7 @@ private slots:
         QVERIFY(set_value(b_db, QStringLiteral("archer"), QStringLiteral("hp"), 11));
         QVERIFY(add_unit(b_db, QStringLiteral("bowman"), 7));
         KOR_XML_QUERY_INTERFACE query(nullptr, QString(), false, false);
-        QVERIFY(query.changed_fields(units).isEmpty());  // never connected
+        QVERIFY(query.changed_fields(units).isEmpty()); // never connected
         QVERIFY(query.connect_without_merge(b_db, false).isEmpty());
         QString error;
         const KOR_TABLE_DATA* table = query.get_table_data(error, units);
@@ -234,7 +252,10 @@ private slots:
         QString read_error;
         const KOR_TABLE_DATA* table = diff.get_table_data(read_error, units);
         QVERIFY(table);
-        QCOMPARE(table->record_by_key(QStringLiteral("archer"))->get_field_data(QStringLiteral("hp"))->value_text(), QStringLiteral("10"));
+        QCOMPARE(table->record_by_key(QStringLiteral("archer"))
+                     ->get_field_data(QStringLiteral("hp"))
+                     ->value_text(),
+                 QStringLiteral("10"));
         diff.disconnect();
     }
 
@@ -247,11 +268,14 @@ private slots:
         QSignalSpy lines(&query, SIGNAL(mergeUpdate(QString)));
         QString error;
         QVERIFY(query.basic_merge(error, plain, KOR_QUERY_INTERFACE::GET_LATEST_MODE(1), false));
-        QVERIFY(lines_of(lines).join('\n').contains(QLatin1String("not in a workspace under version control")));
-        QVERIFY(!query.merge_for_checkin(error, plain, KOR_QUERY_INTERFACE::GET_LATEST_MODE(2), QStringLiteral("Database Editor"), QString()));
+        QVERIFY(
+            lines_of(lines).join('\n').contains(QLatin1String("not in a workspace under version control")));
+        QVERIFY(!query.merge_for_checkin(error, plain, KOR_QUERY_INTERFACE::GET_LATEST_MODE(2),
+                                         QStringLiteral("Database Editor"), QString()));
         // Mirrors and other interfaces connect through a merge: they still connect.
         QVERIFY(query.connect(plain, QString(), KOR_QUERY_INTERFACE::GET_LATEST_MODE(2), false).isEmpty());
-        QVERIFY(!query.basic_merge(error, plain, KOR_QUERY_INTERFACE::GET_LATEST_MODE(1), false));  // connected
+        QVERIFY(
+            !query.basic_merge(error, plain, KOR_QUERY_INTERFACE::GET_LATEST_MODE(1), false)); // connected
         query.disconnect();
     }
 
