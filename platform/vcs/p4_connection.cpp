@@ -1,7 +1,7 @@
 #include "p4_connection.h"
 
 #include "vcs_depot.h"
-#include "vcs_file_spec.h"
+#include "vcs_file_argument.h"
 #include "vcs_p4_depot.h"
 
 #include <QDebug>

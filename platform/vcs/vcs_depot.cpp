@@ -1,6 +1,6 @@
 #include "vcs_depot.h"
 
-#include "vcs_file_spec.h"
+#include "vcs_file_argument.h"
 #include "vcs_git_depot.h"
 #include "vcs_p4_depot.h"
 
@@ -11,7 +11,7 @@ namespace
 {
 QString existing_folder(const QString& path)
 {
-    QString folder = VCS_FILE_SPEC::clean_path(
+    QString folder = VCS_FILE_ARGUMENT::clean_path(
         QDir::isRelativePath(path) ? QDir::currentPath() + QLatin1Char('/') + path : path);
     while (!folder.isEmpty() && !QFileInfo(folder).exists())
     {
@@ -96,7 +96,7 @@ std::unique_ptr<VCS_DEPOT> VCS_DEPOT::open(QString& error, const QString& path, 
 
 QString VCS_DEPOT::clean(const QString& path)
 {
-    return VCS_FILE_SPEC::clean_path(path);
+    return VCS_FILE_ARGUMENT::clean_path(path);
 }
 
 QString VCS_DEPOT::action_name(VCS_ACTION action)

@@ -64,20 +64,20 @@ public:
     virtual bool export_files(QString& error, const QString& directory, int change,
                               const QString& target) = 0;
 
-    // Brings files to revisions. specs are file arguments with optional
-    // revisions (see VCS_FILE_SPEC); no revision means the head. A file with
+    // Brings files to revisions. file_args are file arguments with optional
+    // revisions (see VCS_FILE_ARGUMENT); no revision means the head. A file with
     // local changes keeps them and is left unresolved. updated receives the
     // files whose have revision changed.
-    virtual bool sync(QString& error, const QStringList& specs, QStringList& updated) = 0;
+    virtual bool sync(QString& error, const QStringList& file_args, QStringList& updated) = 0;
     virtual bool unresolved(QString& error, const QString& path, QVector<VCS_UNRESOLVED>& out) = 0;
     virtual bool resolve(QString& error, const QStringList& files, VCS_RESOLVE how) = 0;
 
     // Opens files in changelist change (0: the default changelist).
     virtual bool open(QString& error, const QStringList& files, VCS_ACTION action, int change) = 0;
-    // Undoes opens and local changes below the specs. keep_content leaves the
+    // Undoes opens and local changes below the file arguments. keep_content leaves the
     // local files as they are (only the open state goes); wipe_added removes
     // files that are new to the depot, opened or not.
-    virtual bool revert(QString& error, const QStringList& specs, bool keep_content, bool wipe_added) = 0;
+    virtual bool revert(QString& error, const QStringList& file_args, bool keep_content, bool wipe_added) = 0;
 
     virtual bool new_change(QString& error, const QString& description, int& change) = 0;
     // The pending changelists of this workspace (number, description).

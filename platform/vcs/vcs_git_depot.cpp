@@ -81,7 +81,7 @@ bool VCS_GIT_DEPOT::run(const QString& command, const QStringList& arguments, co
 
 bool VCS_GIT_DEPOT::relative(const QString& path, QString& out) const
 {
-    const QString cleaned = VCS_FILE_SPEC::clean_path(
+    const QString cleaned = VCS_FILE_ARGUMENT::clean_path(
         QDir::isRelativePath(path) ? repository.root() + QLatin1Char('/') + path : path);
     const QString top = repository.root();
     if (cleaned == top)
@@ -99,33 +99,34 @@ QString VCS_GIT_DEPOT::local_path(const QString& depot_path) const
 {
     if (!depot_path.startsWith(QLatin1String("//")))
         return QString();
-    return VCS_FILE_SPEC::clean_path(repository.root() + QLatin1Char('/') + depot_path.mid(2));
+    return VCS_FILE_ARGUMENT::clean_path(repository.root() + QLatin1Char('/') + depot_path.mid(2));
 }
 
-QString VCS_GIT_DEPOT::folder_spec(const QString& path) const
+QString VCS_GIT_DEPOT::folder_argument(const QString& path) const
 {
     const QFileInfo info(path);
     if (info.isDir())
-        return VCS_FILE_SPEC::clean_path(path) + QStringLiteral("/...");
+        return VCS_FILE_ARGUMENT::clean_path(path) + QStringLiteral("/...");
     return path;
 }
 
-bool VCS_GIT_DEPOT::specs_for(QString& error, const QStringList& texts, QVector<VCS_FILE_SPEC>& specs)
+bool VCS_GIT_DEPOT::arguments_for(QString& error, const QStringList& texts,
+                                  QVector<VCS_FILE_ARGUMENT>& file_args)
 {
-    return client.parse_specs(error, texts, specs, repository.root());
+    return client.parse_file_arguments(error, texts, file_args, repository.root());
 }
 
 bool VCS_GIT_DEPOT::status(QString& error, const QString& path, QVector<VCS_FILE_STATUS>& out)
 {
     out.clear();
-    QVector<VCS_FILE_SPEC> specs;
-    if (!specs_for(error, {folder_spec(path)}, specs))
+    QVector<VCS_FILE_ARGUMENT> file_args;
+    if (!arguments_for(error, {folder_argument(path)}, file_args))
         return false;
     STATE_SCOPE scope(client);
     if (!scope.begin(error))
         return false;
     QMap<QString, VCS_GIT_WORKSPACE::FILE_STATE> states;
-    if (!client.local_state(error, specs, states))
+    if (!client.local_state(error, file_args, states))
         return false;
     for (const auto& state : qAsConst(states))
     {
@@ -374,11 +375,11 @@ bool VCS_GIT_DEPOT::export_files(QString& error, const QString& directory, int c
                              nullptr, QByteArray(), environment);
 }
 
-bool VCS_GIT_DEPOT::sync(QString& error, const QStringList& specs, QStringList& updated)
+bool VCS_GIT_DEPOT::sync(QString& error, const QStringList& file_args, QStringList& updated)
 {
     updated.clear();
-    QVector<VCS_FILE_SPEC> parsed;
-    if (!specs_for(error, specs, parsed))
+    QVector<VCS_FILE_ARGUMENT> parsed;
+    if (!arguments_for(error, file_args, parsed))
         return false;
     QVector<VCS_GIT_WORKSPACE::ITEM> items;
     if (!client.sync(error, parsed, VCS_GIT_WORKSPACE::SYNC_OPTIONS(), items))
@@ -416,11 +417,11 @@ bool VCS_GIT_DEPOT::unresolved(QString& error, const QString& path, QVector<VCS_
 
 bool VCS_GIT_DEPOT::resolve(QString& error, const QStringList& files, VCS_RESOLVE how)
 {
-    QVector<VCS_FILE_SPEC> specs;
-    if (!specs_for(error, files, specs))
+    QVector<VCS_FILE_ARGUMENT> file_args;
+    if (!arguments_for(error, files, file_args))
         return false;
     QVector<VCS_GIT_WORKSPACE::ITEM> items;
-    if (!client.resolve(error, specs, how, false, items))
+    if (!client.resolve(error, file_args, how, false, items))
         return false;
     for (const auto& item : qAsConst(items))
     {
@@ -435,23 +436,23 @@ bool VCS_GIT_DEPOT::resolve(QString& error, const QStringList& files, VCS_RESOLV
 
 bool VCS_GIT_DEPOT::open(QString& error, const QStringList& files, VCS_ACTION action, int change)
 {
-    QVector<VCS_FILE_SPEC> specs;
-    if (!specs_for(error, files, specs))
+    QVector<VCS_FILE_ARGUMENT> file_args;
+    if (!arguments_for(error, files, file_args))
         return false;
     QVector<VCS_GIT_WORKSPACE::ITEM> items;
-    if (!client.open(error, specs, action, change, false, items))
+    if (!client.open(error, file_args, action, change, false, items))
         return false;
     error = first_error(items);
     return error.isEmpty();
 }
 
-bool VCS_GIT_DEPOT::revert(QString& error, const QStringList& specs, bool keep_content, bool wipe_added)
+bool VCS_GIT_DEPOT::revert(QString& error, const QStringList& file_args, bool keep_content, bool wipe_added)
 {
     QStringList texts;
-    for (const QString& spec : specs)
-        texts.append(folder_spec(spec));
-    QVector<VCS_FILE_SPEC> parsed;
-    if (!specs_for(error, texts, parsed))
+    for (const QString& file_arg : file_args)
+        texts.append(folder_argument(file_arg));
+    QVector<VCS_FILE_ARGUMENT> parsed;
+    if (!arguments_for(error, texts, parsed))
         return false;
     VCS_GIT_WORKSPACE::REVERT_OPTIONS options;
     options.keep_content = keep_content;

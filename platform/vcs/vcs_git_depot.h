@@ -31,11 +31,11 @@ public:
     bool file_change(QString& error, const QString& file, int revision, int& change) override;
     bool incoming(QString& error, const QString& path, QStringList& files) override;
     bool export_files(QString& error, const QString& directory, int change, const QString& target) override;
-    bool sync(QString& error, const QStringList& specs, QStringList& updated) override;
+    bool sync(QString& error, const QStringList& file_args, QStringList& updated) override;
     bool unresolved(QString& error, const QString& path, QVector<VCS_UNRESOLVED>& out) override;
     bool resolve(QString& error, const QStringList& files, VCS_RESOLVE how) override;
     bool open(QString& error, const QStringList& files, VCS_ACTION action, int change) override;
-    bool revert(QString& error, const QStringList& specs, bool keep_content, bool wipe_added) override;
+    bool revert(QString& error, const QStringList& file_args, bool keep_content, bool wipe_added) override;
     bool new_change(QString& error, const QString& description, int& change) override;
     bool pending_changes(QString& error, QVector<VCS_CHANGE_INFO>& out) override;
     bool delete_change(QString& error, int change) override;
@@ -58,8 +58,8 @@ public:
     static void split_message(const QString& message, QString& description, QString& workspace);
 
 private:
-    bool specs_for(QString& error, const QStringList& texts, QVector<VCS_FILE_SPEC>& specs);
-    QString folder_spec(const QString& path) const;
+    bool arguments_for(QString& error, const QStringList& texts, QVector<VCS_FILE_ARGUMENT>& file_args);
+    QString folder_argument(const QString& path) const;
 
     VCS_GIT_REPOSITORY repository;
     VCS_GIT_WORKSPACE client{repository};

@@ -1,6 +1,6 @@
 #include "vcs_git_verbs.h"
 
-#include "vcs_file_spec.h"
+#include "vcs_file_argument.h"
 #include "vcs_git_depot.h"
 
 #include <QDateTime>
@@ -108,13 +108,14 @@ void VCS_GIT_VERBS::message(int level, const QString& text)
         failed = true;
 }
 
-bool VCS_GIT_VERBS::specs(const QStringList& texts, QVector<VCS_FILE_SPEC>& out, const QString& fallback)
+bool VCS_GIT_VERBS::file_args(const QStringList& texts, QVector<VCS_FILE_ARGUMENT>& out,
+                              const QString& fallback)
 {
     QString error;
     QStringList list = texts;
     if (list.isEmpty() && !fallback.isEmpty())
         list.append(fallback);
-    if (!depot.workspace().parse_specs(error, list, out, depot.root()))
+    if (!depot.workspace().parse_file_arguments(error, list, out, depot.root()))
     {
         message(2, error);
         return false;
@@ -216,8 +217,8 @@ bool VCS_GIT_VERBS::run(const QString& command, const QStringList& arguments, co
 
 bool VCS_GIT_VERBS::sync(const ARGUMENTS& arguments)
 {
-    QVector<VCS_FILE_SPEC> parsed;
-    if (!specs(arguments.files, parsed, QStringLiteral("//...")))
+    QVector<VCS_FILE_ARGUMENT> parsed;
+    if (!file_args(arguments.files, parsed, QStringLiteral("//...")))
         return false;
     VCS_GIT_WORKSPACE::SYNC_OPTIONS options;
     options.preview = arguments.has(QStringLiteral("-n"));
@@ -258,8 +259,8 @@ bool VCS_GIT_VERBS::open(const ARGUMENTS& arguments, VCS_ACTION action)
     int change = 0;
     if (!change_number(arguments.values.value(QStringLiteral("-c")), change))
         return false;
-    QVector<VCS_FILE_SPEC> parsed;
-    if (!specs(arguments.files, parsed, QString()))
+    QVector<VCS_FILE_ARGUMENT> parsed;
+    if (!file_args(arguments.files, parsed, QString()))
         return false;
     QVector<VCS_GIT_WORKSPACE::ITEM> items;
     QString error;
@@ -302,8 +303,8 @@ bool VCS_GIT_VERBS::revert(const ARGUMENTS& arguments)
         message(2, QStringLiteral("Missing file arguments."));
         return false;
     }
-    QVector<VCS_FILE_SPEC> parsed;
-    if (!specs(arguments.files, parsed, QStringLiteral("//...")))
+    QVector<VCS_FILE_ARGUMENT> parsed;
+    if (!file_args(arguments.files, parsed, QStringLiteral("//...")))
         return false;
     QVector<VCS_GIT_WORKSPACE::ITEM> items;
     QString error;
@@ -346,8 +347,8 @@ bool VCS_GIT_VERBS::resolve(const ARGUMENTS& arguments)
         message(2, QStringLiteral("Interactive resolve is not available: give -am, -at, -ay or -af."));
         return false;
     }
-    QVector<VCS_FILE_SPEC> parsed;
-    if (!specs(arguments.files, parsed, QString()))
+    QVector<VCS_FILE_ARGUMENT> parsed;
+    if (!file_args(arguments.files, parsed, QString()))
         return false;
     QVector<VCS_GIT_WORKSPACE::ITEM> items;
     QString error;
@@ -383,8 +384,8 @@ bool VCS_GIT_VERBS::opened(const ARGUMENTS& arguments)
     if (arguments.values.contains(QStringLiteral("-c")) &&
         !change_number(arguments.values.value(QStringLiteral("-c")), only_change))
         return false;
-    QVector<VCS_FILE_SPEC> parsed;
-    if (!specs(arguments.files, parsed, QStringLiteral("//...")))
+    QVector<VCS_FILE_ARGUMENT> parsed;
+    if (!file_args(arguments.files, parsed, QStringLiteral("//...")))
         return false;
     VCS_GIT_WORKSPACE& workspace = depot.workspace();
     STATE_SCOPE scope(workspace);
@@ -400,8 +401,8 @@ bool VCS_GIT_VERBS::opened(const ARGUMENTS& arguments)
     for (auto it = opened_files.cbegin(); it != opened_files.cend(); ++it)
     {
         bool matched = false;
-        for (const VCS_FILE_SPEC& spec : qAsConst(parsed))
-            matched = matched || spec.matches(it.key());
+        for (const VCS_FILE_ARGUMENT& file_arg : qAsConst(parsed))
+            matched = matched || file_arg.matches(it.key());
         if (!matched || (only_change >= 0 && it.value().change != only_change))
             continue;
         any = true;
@@ -432,8 +433,8 @@ bool VCS_GIT_VERBS::opened(const ARGUMENTS& arguments)
 
 bool VCS_GIT_VERBS::have(const ARGUMENTS& arguments)
 {
-    QVector<VCS_FILE_SPEC> parsed;
-    if (!specs(arguments.files, parsed, QStringLiteral("//...")))
+    QVector<VCS_FILE_ARGUMENT> parsed;
+    if (!file_args(arguments.files, parsed, QStringLiteral("//...")))
         return false;
     VCS_GIT_WORKSPACE& workspace = depot.workspace();
     STATE_SCOPE scope(workspace);
@@ -443,11 +444,12 @@ bool VCS_GIT_VERBS::have(const ARGUMENTS& arguments)
         message(2, error);
         return false;
     }
-    for (const VCS_FILE_SPEC& spec : qAsConst(parsed))
+    for (const VCS_FILE_ARGUMENT& file_arg : qAsConst(parsed))
     {
         QHash<QString, QPair<QString, QString>> files;
         if (!workspace.have_files(
-                error, spec.has_wildcards() ? spec.fixed_directory() : spec.relative_pattern(), files))
+                error, file_arg.has_wildcards() ? file_arg.fixed_directory() : file_arg.relative_pattern(),
+                files))
         {
             message(2, error);
             return false;
@@ -455,12 +457,12 @@ bool VCS_GIT_VERBS::have(const ARGUMENTS& arguments)
         QStringList paths;
         for (auto it = files.cbegin(); it != files.cend(); ++it)
         {
-            if (spec.matches(it.key()))
+            if (file_arg.matches(it.key()))
                 paths.append(it.key());
         }
         paths.sort();
         if (paths.isEmpty())
-            message(1, spec.text() + QStringLiteral(" - file(s) not on client."));
+            message(1, file_arg.text() + QStringLiteral(" - file(s) not on client."));
         for (const QString& path : qAsConst(paths))
         {
             VCS_ZTAG_RECORD entry;
@@ -539,8 +541,8 @@ bool VCS_GIT_VERBS::changes(const ARGUMENTS& arguments)
             message(2, error);
             return false;
         }
-        QVector<VCS_FILE_SPEC> parsed;
-        if (!specs(arguments.files, parsed, QStringLiteral("//...")))
+        QVector<VCS_FILE_ARGUMENT> parsed;
+        if (!file_args(arguments.files, parsed, QStringLiteral("//...")))
             return false;
         QStringList chain;
         if (!repo.chain(error, chain))
@@ -558,29 +560,30 @@ bool VCS_GIT_VERBS::changes(const ARGUMENTS& arguments)
             message(2, error);
             return false;
         }
-        for (const VCS_FILE_SPEC& spec : qAsConst(parsed))
+        for (const VCS_FILE_ARGUMENT& file_arg : qAsConst(parsed))
         {
             QString tip;
-            const QString folder = spec.has_wildcards() ? spec.fixed_directory() : spec.relative_pattern();
-            switch (spec.revision_kind())
+            const QString folder =
+                file_arg.has_wildcards() ? file_arg.fixed_directory() : file_arg.relative_pattern();
+            switch (file_arg.revision_kind())
             {
-            case VCS_FILE_SPEC::REVISION_NONE_GIVEN:
-            case VCS_FILE_SPEC::REVISION_HEAD:
+            case VCS_FILE_ARGUMENT::REVISION_NONE_GIVEN:
+            case VCS_FILE_ARGUMENT::REVISION_HEAD:
                 tip = chain.isEmpty() ? QString() : chain.last();
                 break;
-            case VCS_FILE_SPEC::REVISION_CHANGE:
-                repo.commit_of_change(error, spec.revision_number(), tip);
+            case VCS_FILE_ARGUMENT::REVISION_CHANGE:
+                repo.commit_of_change(error, file_arg.revision_number(), tip);
                 break;
-            case VCS_FILE_SPEC::REVISION_HAVE:
-                tip = spec.has_wildcards() ? head : workspace.have_commit_of(head, folder);
+            case VCS_FILE_ARGUMENT::REVISION_HAVE:
+                tip = file_arg.has_wildcards() ? head : workspace.have_commit_of(head, folder);
                 break;
-            case VCS_FILE_SPEC::REVISION_FILE:
-                if (!spec.has_wildcards())
-                    repo.commit_of_file_revision(error, folder, spec.revision_number(), tip);
+            case VCS_FILE_ARGUMENT::REVISION_FILE:
+                if (!file_arg.has_wildcards())
+                    repo.commit_of_file_revision(error, folder, file_arg.revision_number(), tip);
                 else
                     tip = chain.isEmpty() ? QString() : chain.last();
                 break;
-            case VCS_FILE_SPEC::REVISION_DELETED:
+            case VCS_FILE_ARGUMENT::REVISION_DELETED:
                 break;
             }
             if (tip.isEmpty() || tip == VCS_GIT_STATE::not_on_client())
@@ -607,11 +610,11 @@ bool VCS_GIT_VERBS::changes(const ARGUMENTS& arguments)
                 if (fields.size() < 5)
                     continue;
                 const QString commit = QString::fromUtf8(fields.at(0)).trimmed();
-                bool touches = !spec.has_wildcards() || spec.is_whole_workspace();
+                bool touches = !file_arg.has_wildcards() || file_arg.is_whole_workspace();
                 for (const QByteArray& name : fields.at(4).split('\n'))
                 {
                     if (!touches && !name.trimmed().isEmpty())
-                        touches = spec.matches(QString::fromUtf8(name.trimmed()));
+                        touches = file_arg.matches(QString::fromUtf8(name.trimmed()));
                 }
                 if (!touches)
                     continue;
@@ -701,16 +704,16 @@ bool VCS_GIT_VERBS::info()
 
 bool VCS_GIT_VERBS::where(const ARGUMENTS& arguments)
 {
-    QVector<VCS_FILE_SPEC> parsed;
-    if (!specs(arguments.files, parsed, QStringLiteral("//...")))
+    QVector<VCS_FILE_ARGUMENT> parsed;
+    if (!file_args(arguments.files, parsed, QStringLiteral("//...")))
         return false;
-    for (const VCS_FILE_SPEC& spec : qAsConst(parsed))
+    for (const VCS_FILE_ARGUMENT& file_arg : qAsConst(parsed))
     {
         VCS_ZTAG_RECORD entry;
-        entry.set(QStringLiteral("depotFile"), depot.depot_path(spec.relative_pattern()));
+        entry.set(QStringLiteral("depotFile"), depot.depot_path(file_arg.relative_pattern()));
         entry.set(QStringLiteral("clientFile"),
-                  QStringLiteral("//%1/%2").arg(depot.workspace_name(), spec.relative_pattern()));
-        entry.set(QStringLiteral("path"), depot.workspace().absolute(spec.relative_pattern()));
+                  QStringLiteral("//%1/%2").arg(depot.workspace_name(), file_arg.relative_pattern()));
+        entry.set(QStringLiteral("path"), depot.workspace().absolute(file_arg.relative_pattern()));
         record(entry);
     }
     return true;
@@ -718,8 +721,8 @@ bool VCS_GIT_VERBS::where(const ARGUMENTS& arguments)
 
 bool VCS_GIT_VERBS::print(const ARGUMENTS& arguments)
 {
-    QVector<VCS_FILE_SPEC> parsed;
-    if (!specs(arguments.files, parsed, QString()))
+    QVector<VCS_FILE_ARGUMENT> parsed;
+    if (!file_args(arguments.files, parsed, QString()))
         return false;
     if (parsed.isEmpty())
     {
@@ -727,20 +730,20 @@ bool VCS_GIT_VERBS::print(const ARGUMENTS& arguments)
         return false;
     }
     const QString target = arguments.values.value(QStringLiteral("-o"));
-    for (const VCS_FILE_SPEC& spec : qAsConst(parsed))
+    for (const VCS_FILE_ARGUMENT& file_arg : qAsConst(parsed))
     {
-        if (spec.has_wildcards())
+        if (file_arg.has_wildcards())
         {
-            message(2, spec.text() + QStringLiteral(" - print takes single files on the git depot."));
+            message(2, file_arg.text() + QStringLiteral(" - print takes single files on the git depot."));
             continue;
         }
-        QString revision = spec.revision_text();
+        QString revision = file_arg.revision_text();
         if (revision.isEmpty())
             revision = QStringLiteral("#head");
         QByteArray content;
         bool exists = false;
         QString error;
-        const QString local = depot.workspace().absolute(spec.relative_pattern());
+        const QString local = depot.workspace().absolute(file_arg.relative_pattern());
         if (!depot.read_file(error, local, revision, content, exists))
         {
             message(2, error);
@@ -748,7 +751,7 @@ bool VCS_GIT_VERBS::print(const ARGUMENTS& arguments)
         }
         if (!exists)
         {
-            message(2, spec.text() + QStringLiteral(" - no such file(s)."));
+            message(2, file_arg.text() + QStringLiteral(" - no such file(s)."));
             continue;
         }
         if (!target.isEmpty())
@@ -759,7 +762,7 @@ bool VCS_GIT_VERBS::print(const ARGUMENTS& arguments)
             continue;
         }
         if (!arguments.has(QStringLiteral("-q")))
-            message(0, QStringLiteral("%1%2").arg(depot.depot_path(spec.relative_pattern()), revision));
+            message(0, QStringLiteral("%1%2").arg(depot.depot_path(file_arg.relative_pattern()), revision));
         for (const QString& line : VCS_PROCESS::split_lines(content))
             message(0, line);
     }
@@ -768,8 +771,8 @@ bool VCS_GIT_VERBS::print(const ARGUMENTS& arguments)
 
 bool VCS_GIT_VERBS::files(const ARGUMENTS& arguments, bool with_status)
 {
-    QVector<VCS_FILE_SPEC> parsed;
-    if (!specs(arguments.files, parsed, QString()))
+    QVector<VCS_FILE_ARGUMENT> parsed;
+    if (!file_args(arguments.files, parsed, QString()))
         return false;
     if (parsed.isEmpty())
     {
@@ -787,14 +790,15 @@ bool VCS_GIT_VERBS::files(const ARGUMENTS& arguments, bool with_status)
         message(2, error);
         return false;
     }
-    for (const VCS_FILE_SPEC& spec : qAsConst(parsed))
+    for (const VCS_FILE_ARGUMENT& file_arg : qAsConst(parsed))
     {
         QString commit = latest;
-        if (spec.revision_kind() == VCS_FILE_SPEC::REVISION_CHANGE)
-            repo.commit_of_change(error, spec.revision_number(), commit);
-        else if (spec.revision_kind() == VCS_FILE_SPEC::REVISION_HAVE)
+        if (file_arg.revision_kind() == VCS_FILE_ARGUMENT::REVISION_CHANGE)
+            repo.commit_of_change(error, file_arg.revision_number(), commit);
+        else if (file_arg.revision_kind() == VCS_FILE_ARGUMENT::REVISION_HAVE)
             commit = head;
-        const QString folder = spec.has_wildcards() ? spec.fixed_directory() : spec.relative_pattern();
+        const QString folder =
+            file_arg.has_wildcards() ? file_arg.fixed_directory() : file_arg.relative_pattern();
         QHash<QString, QString> tree;
         QHash<QString, QPair<QString, QString>> have;
         if (!repo.tree(error, commit, folder, tree) ||
@@ -806,25 +810,25 @@ bool VCS_GIT_VERBS::files(const ARGUMENTS& arguments, bool with_status)
         QStringList paths;
         for (auto it = tree.cbegin(); it != tree.cend(); ++it)
         {
-            if (spec.matches(it.key()))
+            if (file_arg.matches(it.key()))
                 paths.append(it.key());
         }
         if (with_status)
         {
             for (auto it = have.cbegin(); it != have.cend(); ++it)
             {
-                if (spec.matches(it.key()) && !tree.contains(it.key()))
+                if (file_arg.matches(it.key()) && !tree.contains(it.key()))
                     paths.append(it.key());
             }
             for (auto it = workspace.state().opened.cbegin(); it != workspace.state().opened.cend(); ++it)
             {
-                if (spec.matches(it.key()) && !paths.contains(it.key()))
+                if (file_arg.matches(it.key()) && !paths.contains(it.key()))
                     paths.append(it.key());
             }
         }
         paths.sort();
         if (paths.isEmpty())
-            message(1, spec.text() + QStringLiteral(" - no such file(s)."));
+            message(1, file_arg.text() + QStringLiteral(" - no such file(s)."));
         for (const QString& path : qAsConst(paths))
         {
             VCS_ZTAG_RECORD entry;
@@ -1021,18 +1025,18 @@ bool VCS_GIT_VERBS::change(const ARGUMENTS& arguments, const QString& input)
         state.pending[number].description = description;
     for (const QString& file : qAsConst(files))
     {
-        VCS_FILE_SPEC spec;
-        if (!spec.parse(error, file, depot.root(), depot.root()))
+        VCS_FILE_ARGUMENT file_arg;
+        if (!file_arg.parse(error, file, depot.root(), depot.root()))
         {
             message(2, error);
             return false;
         }
-        if (!state.opened.contains(spec.relative_pattern()))
+        if (!state.opened.contains(file_arg.relative_pattern()))
         {
             message(1, file + QStringLiteral(" - file(s) not opened on this client."));
             continue;
         }
-        state.opened[spec.relative_pattern()].change = number;
+        state.opened[file_arg.relative_pattern()].change = number;
     }
     if (!workspace.save(error))
     {
@@ -1055,8 +1059,8 @@ bool VCS_GIT_VERBS::reopen(const ARGUMENTS& arguments)
             message(2, QStringLiteral("Usage: reopen -c changelist file ..."));
         return false;
     }
-    QVector<VCS_FILE_SPEC> parsed;
-    if (!specs(arguments.files, parsed, QString()))
+    QVector<VCS_FILE_ARGUMENT> parsed;
+    if (!file_args(arguments.files, parsed, QString()))
         return false;
     VCS_GIT_WORKSPACE& workspace = depot.workspace();
     STATE_SCOPE scope(workspace);
@@ -1075,8 +1079,8 @@ bool VCS_GIT_VERBS::reopen(const ARGUMENTS& arguments)
     for (auto it = state.opened.begin(); it != state.opened.end(); ++it)
     {
         bool matched = false;
-        for (const VCS_FILE_SPEC& spec : qAsConst(parsed))
-            matched = matched || spec.matches(it.key());
+        for (const VCS_FILE_ARGUMENT& file_arg : qAsConst(parsed))
+            matched = matched || file_arg.matches(it.key());
         if (!matched)
             continue;
         it.value().change = number;
@@ -1114,8 +1118,8 @@ bool VCS_GIT_VERBS::submit(const ARGUMENTS& arguments, const QString& input)
         if (number == 0)
         {
             // A new form names the default changelist's files to take.
-            QVector<VCS_FILE_SPEC> parsed;
-            if (!specs(form_files, parsed, QString()))
+            QVector<VCS_FILE_ARGUMENT> parsed;
+            if (!file_args(form_files, parsed, QString()))
                 return false;
             if (!depot.new_change(error, description, number))
             {
@@ -1124,9 +1128,9 @@ bool VCS_GIT_VERBS::submit(const ARGUMENTS& arguments, const QString& input)
             }
             for (auto it = workspace.state().opened.begin(); it != workspace.state().opened.end(); ++it)
             {
-                for (const VCS_FILE_SPEC& spec : qAsConst(parsed))
+                for (const VCS_FILE_ARGUMENT& file_arg : qAsConst(parsed))
                 {
-                    if (it.value().change == 0 && spec.matches(it.key()))
+                    if (it.value().change == 0 && file_arg.matches(it.key()))
                         it.value().change = number;
                 }
             }
@@ -1145,8 +1149,8 @@ bool VCS_GIT_VERBS::submit(const ARGUMENTS& arguments, const QString& input)
     else if (!arguments.files.isEmpty())
     {
         // Only the named files of the default changelist go in.
-        QVector<VCS_FILE_SPEC> parsed;
-        if (!specs(arguments.files, parsed, QString()))
+        QVector<VCS_FILE_ARGUMENT> parsed;
+        if (!file_args(arguments.files, parsed, QString()))
             return false;
         if (!depot.new_change(error, description, number))
         {
@@ -1155,9 +1159,9 @@ bool VCS_GIT_VERBS::submit(const ARGUMENTS& arguments, const QString& input)
         }
         for (auto it = workspace.state().opened.begin(); it != workspace.state().opened.end(); ++it)
         {
-            for (const VCS_FILE_SPEC& spec : qAsConst(parsed))
+            for (const VCS_FILE_ARGUMENT& file_arg : qAsConst(parsed))
             {
-                if (it.value().change == 0 && spec.matches(it.key()))
+                if (it.value().change == 0 && file_arg.matches(it.key()))
                     it.value().change = number;
             }
         }

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "vcs_file_spec.h"
+#include "vcs_file_argument.h"
 #include "vcs_types.h"
 #include "vcs_ztag_record.h"
 
@@ -62,7 +62,7 @@ private:
 
     void record(const VCS_ZTAG_RECORD& record);
     void message(int level, const QString& text);
-    bool specs(const QStringList& texts, QVector<VCS_FILE_SPEC>& out, const QString& fallback);
+    bool file_args(const QStringList& texts, QVector<VCS_FILE_ARGUMENT>& out, const QString& fallback);
 
     VCS_GIT_DEPOT& depot;
     QVector<VCS_OUTPUT_LINE>* output = nullptr;

@@ -16,22 +16,23 @@ bool under(const QString& path, const QString& folder)
     return folder.isEmpty() || path == folder || path.startsWith(folder + QLatin1Char('/'));
 }
 
-bool any_match(const QVector<VCS_FILE_SPEC>& specs, const QString& path)
+bool any_match(const QVector<VCS_FILE_ARGUMENT>& file_args, const QString& path)
 {
-    for (const VCS_FILE_SPEC& spec : specs)
+    for (const VCS_FILE_ARGUMENT& file_arg : file_args)
     {
-        if (spec.matches(path))
+        if (file_arg.matches(path))
             return true;
     }
     return false;
 }
 
-QStringList spec_folders(const QVector<VCS_FILE_SPEC>& specs)
+QStringList argument_folders(const QVector<VCS_FILE_ARGUMENT>& file_args)
 {
     QStringList folders;
-    for (const VCS_FILE_SPEC& spec : specs)
+    for (const VCS_FILE_ARGUMENT& file_arg : file_args)
     {
-        const QString folder = spec.has_wildcards() ? spec.fixed_directory() : spec.relative_pattern();
+        const QString folder =
+            file_arg.has_wildcards() ? file_arg.fixed_directory() : file_arg.relative_pattern();
         if (folder.isEmpty())
             return {QString()};
         folders.append(folder);
@@ -112,17 +113,18 @@ void VCS_GIT_WORKSPACE::end()
         workspace_state.release();
 }
 
-bool VCS_GIT_WORKSPACE::parse_specs(QString& error, const QStringList& texts, QVector<VCS_FILE_SPEC>& specs,
-                                    const QString& working_directory) const
+bool VCS_GIT_WORKSPACE::parse_file_arguments(QString& error, const QStringList& texts,
+                                             QVector<VCS_FILE_ARGUMENT>& file_args,
+                                             const QString& working_directory) const
 {
-    specs.clear();
+    file_args.clear();
     for (const QString& text : texts)
     {
-        VCS_FILE_SPEC spec;
-        if (!spec.parse(error, text, repo.root(),
-                        working_directory.isEmpty() ? repo.root() : working_directory))
+        VCS_FILE_ARGUMENT file_arg;
+        if (!file_arg.parse(error, text, repo.root(),
+                            working_directory.isEmpty() ? repo.root() : working_directory))
             return false;
-        specs.append(spec);
+        file_args.append(file_arg);
     }
     return true;
 }
@@ -197,12 +199,12 @@ bool VCS_GIT_WORKSPACE::file_states(QString& error, const QStringList& paths, QM
     return true;
 }
 
-bool VCS_GIT_WORKSPACE::local_state(QString& error, const QVector<VCS_FILE_SPEC>& specs,
+bool VCS_GIT_WORKSPACE::local_state(QString& error, const QVector<VCS_FILE_ARGUMENT>& file_args,
                                     QMap<QString, FILE_STATE>& out)
 {
     out.clear();
     QSet<QString> candidates;
-    for (const QString& folder : spec_folders(specs))
+    for (const QString& folder : argument_folders(file_args))
     {
         QStringList arguments{QStringLiteral("status"), QStringLiteral("--porcelain=v1"),
                               QStringLiteral("-z"), QStringLiteral("--untracked-files=all"),
@@ -236,7 +238,7 @@ bool VCS_GIT_WORKSPACE::local_state(QString& error, const QVector<VCS_FILE_SPEC>
     QStringList paths;
     for (const QString& path : qAsConst(candidates))
     {
-        if (any_match(specs, path))
+        if (any_match(file_args, path))
             paths.append(path);
     }
     paths.sort();
@@ -328,8 +330,8 @@ bool VCS_GIT_WORKSPACE::safety_copy(QString& error, const QStringList& paths, QS
     return true;
 }
 
-bool VCS_GIT_WORKSPACE::sync(QString& error, const QVector<VCS_FILE_SPEC>& specs, const SYNC_OPTIONS& options,
-                             QVector<ITEM>& items)
+bool VCS_GIT_WORKSPACE::sync(QString& error, const QVector<VCS_FILE_ARGUMENT>& file_args,
+                             const SYNC_OPTIONS& options, QVector<ITEM>& items)
 {
     STATE_SCOPE scope(*this);
     if (!scope.begin(error))
@@ -337,12 +339,12 @@ bool VCS_GIT_WORKSPACE::sync(QString& error, const QVector<VCS_FILE_SPEC>& specs
 
     bool needs_depot = false;
     bool moves_head = false;
-    for (const VCS_FILE_SPEC& spec : specs)
+    for (const VCS_FILE_ARGUMENT& file_arg : file_args)
     {
-        const auto kind = spec.revision_kind();
-        if (kind != VCS_FILE_SPEC::REVISION_HAVE && kind != VCS_FILE_SPEC::REVISION_DELETED)
+        const auto kind = file_arg.revision_kind();
+        if (kind != VCS_FILE_ARGUMENT::REVISION_HAVE && kind != VCS_FILE_ARGUMENT::REVISION_DELETED)
             needs_depot = true;
-        if (kind == VCS_FILE_SPEC::REVISION_NONE_GIVEN || kind == VCS_FILE_SPEC::REVISION_HEAD)
+        if (kind == VCS_FILE_ARGUMENT::REVISION_NONE_GIVEN || kind == VCS_FILE_ARGUMENT::REVISION_HEAD)
             moves_head = true;
     }
     if (needs_depot && !repo.fetch(error))
@@ -365,37 +367,38 @@ bool VCS_GIT_WORKSPACE::sync(QString& error, const QVector<VCS_FILE_SPEC>& specs
 
     // Where each matched file is to go: a commit, or the marker for "not on the client".
     QMap<QString, QString> targets;
-    for (const VCS_FILE_SPEC& spec : specs)
+    for (const VCS_FILE_ARGUMENT& file_arg : file_args)
     {
-        const QString folder = spec.has_wildcards() ? spec.fixed_directory() : spec.relative_pattern();
+        const QString folder =
+            file_arg.has_wildcards() ? file_arg.fixed_directory() : file_arg.relative_pattern();
         QHash<QString, QPair<QString, QString>> have;
         if (!have_files(error, folder, have))
             return false;
         QString commit;
         bool per_file = false;
-        switch (spec.revision_kind())
+        switch (file_arg.revision_kind())
         {
-        case VCS_FILE_SPEC::REVISION_HAVE:
+        case VCS_FILE_ARGUMENT::REVISION_HAVE:
             continue;
-        case VCS_FILE_SPEC::REVISION_NONE_GIVEN:
-        case VCS_FILE_SPEC::REVISION_HEAD:
+        case VCS_FILE_ARGUMENT::REVISION_NONE_GIVEN:
+        case VCS_FILE_ARGUMENT::REVISION_HEAD:
             commit = latest;
             break;
-        case VCS_FILE_SPEC::REVISION_CHANGE:
-            if (!repo.commit_of_change(error, spec.revision_number(), commit))
+        case VCS_FILE_ARGUMENT::REVISION_CHANGE:
+            if (!repo.commit_of_change(error, file_arg.revision_number(), commit))
                 return false;
             break;
-        case VCS_FILE_SPEC::REVISION_DELETED:
+        case VCS_FILE_ARGUMENT::REVISION_DELETED:
             commit = VCS_GIT_STATE::not_on_client();
             break;
-        case VCS_FILE_SPEC::REVISION_FILE:
+        case VCS_FILE_ARGUMENT::REVISION_FILE:
             per_file = true;
             break;
         }
         QSet<QString> matched;
         for (auto it = have.cbegin(); it != have.cend(); ++it)
         {
-            if (spec.matches(it.key()))
+            if (file_arg.matches(it.key()))
                 matched.insert(it.key());
         }
         const QString listing = per_file ? latest : commit;
@@ -406,14 +409,14 @@ bool VCS_GIT_WORKSPACE::sync(QString& error, const QVector<VCS_FILE_SPEC>& specs
                 return false;
             for (auto it = blobs.cbegin(); it != blobs.cend(); ++it)
             {
-                if (spec.matches(it.key()))
+                if (file_arg.matches(it.key()))
                     matched.insert(it.key());
             }
         }
         if (matched.isEmpty())
         {
-            items.append(ITEM{spec.relative_pattern(), QString(), QString(), 0, 1,
-                              spec.text() + QStringLiteral(" - no such file(s).")});
+            items.append(ITEM{file_arg.relative_pattern(), QString(), QString(), 0, 1,
+                              file_arg.text() + QStringLiteral(" - no such file(s).")});
             continue;
         }
         for (const QString& path : qAsConst(matched))
@@ -421,7 +424,7 @@ bool VCS_GIT_WORKSPACE::sync(QString& error, const QVector<VCS_FILE_SPEC>& specs
             if (per_file)
             {
                 QString file_commit;
-                if (!repo.commit_of_file_revision(error, path, spec.revision_number(), file_commit))
+                if (!repo.commit_of_file_revision(error, path, file_arg.revision_number(), file_commit))
                     return false;
                 targets.insert(path, file_commit.isEmpty() ? VCS_GIT_STATE::not_on_client() : file_commit);
             }
@@ -522,18 +525,18 @@ bool VCS_GIT_WORKSPACE::sync(QString& error, const QVector<VCS_FILE_SPEC>& specs
         items.append(item);
     }
 
-    // A spec that matched files but changed none of them is up to date.
-    for (const VCS_FILE_SPEC& spec : specs)
+    // A file argument that matched files but changed none of them is up to date.
+    for (const VCS_FILE_ARGUMENT& file_arg : file_args)
     {
         bool reported = false;
         for (const ITEM& item : qAsConst(items))
         {
-            reported = reported || (item.message.isEmpty() && spec.matches(item.path)) ||
-                       item.message.startsWith(spec.text() + QLatin1String(" - "));
+            reported = reported || (item.message.isEmpty() && file_arg.matches(item.path)) ||
+                       item.message.startsWith(file_arg.text() + QLatin1String(" - "));
         }
         if (!reported)
-            items.append(ITEM{spec.relative_pattern(), QString(), QString(), 0, 1,
-                              spec.text() + QStringLiteral(" - file(s) up-to-date.")});
+            items.append(ITEM{file_arg.relative_pattern(), QString(), QString(), 0, 1,
+                              file_arg.text() + QStringLiteral(" - file(s) up-to-date.")});
     }
     if (options.preview)
         return true;
@@ -579,7 +582,7 @@ bool VCS_GIT_WORKSPACE::sync(QString& error, const QVector<VCS_FILE_SPEC>& specs
     return save(error);
 }
 
-bool VCS_GIT_WORKSPACE::resolve(QString& error, const QVector<VCS_FILE_SPEC>& specs, VCS_RESOLVE how,
+bool VCS_GIT_WORKSPACE::resolve(QString& error, const QVector<VCS_FILE_ARGUMENT>& file_args, VCS_RESOLVE how,
                                 bool preview, QVector<ITEM>& items)
 {
     STATE_SCOPE scope(*this);
@@ -589,7 +592,7 @@ bool VCS_GIT_WORKSPACE::resolve(QString& error, const QVector<VCS_FILE_SPEC>& sp
     QStringList paths;
     for (auto it = workspace_state.unresolved.cbegin(); it != workspace_state.unresolved.cend(); ++it)
     {
-        if (specs.isEmpty() || any_match(specs, it.key()))
+        if (file_args.isEmpty() || any_match(file_args, it.key()))
             paths.append(it.key());
     }
     if (paths.isEmpty())
@@ -710,7 +713,7 @@ bool VCS_GIT_WORKSPACE::resolve(QString& error, const QVector<VCS_FILE_SPEC>& sp
     return save(error);
 }
 
-bool VCS_GIT_WORKSPACE::open(QString& error, const QVector<VCS_FILE_SPEC>& specs, VCS_ACTION action,
+bool VCS_GIT_WORKSPACE::open(QString& error, const QVector<VCS_FILE_ARGUMENT>& file_args, VCS_ACTION action,
                              int change, bool keep_local_file, QVector<ITEM>& items)
 {
     STATE_SCOPE scope(*this);
@@ -725,35 +728,36 @@ bool VCS_GIT_WORKSPACE::open(QString& error, const QVector<VCS_FILE_SPEC>& specs
     const QString action_name = action_text(action == VCS_ACTION::NONE ? VCS_ACTION::EDIT : action);
     QStringList removals;
     bool changed_state = false;
-    for (const VCS_FILE_SPEC& spec : specs)
+    for (const VCS_FILE_ARGUMENT& file_arg : file_args)
     {
-        const QString folder = spec.has_wildcards() ? spec.fixed_directory() : spec.relative_pattern();
+        const QString folder =
+            file_arg.has_wildcards() ? file_arg.fixed_directory() : file_arg.relative_pattern();
         QHash<QString, QPair<QString, QString>> have;
         if (!have_files(error, folder, have))
             return false;
         QStringList paths;
         if (action == VCS_ACTION::ADD)
         {
-            if (spec.has_wildcards())
+            if (file_arg.has_wildcards())
             {
-                items.append(
-                    ITEM{QString(), QString(), QString(), 0, 2,
-                         spec.text() + QStringLiteral(" - wildcards are not allowed when adding files.")});
+                items.append(ITEM{QString(), QString(), QString(), 0, 2,
+                                  file_arg.text() +
+                                      QStringLiteral(" - wildcards are not allowed when adding files.")});
                 continue;
             }
-            paths.append(spec.relative_pattern());
+            paths.append(file_arg.relative_pattern());
         }
         else
         {
             for (auto it = have.cbegin(); it != have.cend(); ++it)
             {
-                if (spec.matches(it.key()))
+                if (file_arg.matches(it.key()))
                     paths.append(it.key());
             }
             if (paths.isEmpty())
             {
-                items.append(ITEM{QString(), QString(), QString(), 0, spec.has_wildcards() ? 1 : 2,
-                                  spec.text() + QStringLiteral(" - file(s) not on client.")});
+                items.append(ITEM{QString(), QString(), QString(), 0, file_arg.has_wildcards() ? 1 : 2,
+                                  file_arg.text() + QStringLiteral(" - file(s) not on client.")});
                 continue;
             }
         }
@@ -815,7 +819,7 @@ bool VCS_GIT_WORKSPACE::open(QString& error, const QVector<VCS_FILE_SPEC>& specs
     return changed_state ? save(error) : true;
 }
 
-bool VCS_GIT_WORKSPACE::revert(QString& error, const QVector<VCS_FILE_SPEC>& specs,
+bool VCS_GIT_WORKSPACE::revert(QString& error, const QVector<VCS_FILE_ARGUMENT>& file_args,
                                const REVERT_OPTIONS& options, QVector<ITEM>& items)
 {
     STATE_SCOPE scope(*this);
@@ -823,7 +827,7 @@ bool VCS_GIT_WORKSPACE::revert(QString& error, const QVector<VCS_FILE_SPEC>& spe
         return false;
 
     QMap<QString, FILE_STATE> local;
-    if (!local_state(error, specs, local))
+    if (!local_state(error, file_args, local))
         return false;
 
     QMap<QString, QString> restores;
@@ -869,9 +873,9 @@ bool VCS_GIT_WORKSPACE::revert(QString& error, const QVector<VCS_FILE_SPEC>& spe
     }
     if (reverted.isEmpty())
     {
-        for (const VCS_FILE_SPEC& spec : specs)
+        for (const VCS_FILE_ARGUMENT& file_arg : file_args)
             items.append(ITEM{QString(), QString(), QString(), 0, 1,
-                              spec.text() + QStringLiteral(" - file(s) not opened on this client.")});
+                              file_arg.text() + QStringLiteral(" - file(s) not opened on this client.")});
         return true;
     }
     if (options.preview)

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "vcs_file_spec.h"
+#include "vcs_file_argument.h"
 #include "vcs_git_state.h"
 #include "vcs_types.h"
 
@@ -83,25 +83,26 @@ public:
     void end();
     VCS_GIT_STATE& state() { return workspace_state; }
 
-    bool parse_specs(QString& error, const QStringList& texts, QVector<VCS_FILE_SPEC>& specs,
-                     const QString& working_directory) const;
+    bool parse_file_arguments(QString& error, const QStringList& texts, QVector<VCS_FILE_ARGUMENT>& file_args,
+                              const QString& working_directory) const;
 
     // Files the workspace has below folder: path -> (commit, blob).
     bool have_files(QString& error, const QString& folder, QHash<QString, QPair<QString, QString>>& files);
     QString have_commit_of(const QString& head, const QString& path) const;
 
-    // Files matched by specs that are changed, opened or unresolved.
-    bool local_state(QString& error, const QVector<VCS_FILE_SPEC>& specs, QMap<QString, FILE_STATE>& out);
+    // Files matched by the file arguments that are changed, opened or unresolved.
+    bool local_state(QString& error, const QVector<VCS_FILE_ARGUMENT>& file_args,
+                     QMap<QString, FILE_STATE>& out);
     // The state of chosen files whatever they are.
     bool file_states(QString& error, const QStringList& paths, QMap<QString, FILE_STATE>& out);
 
-    bool sync(QString& error, const QVector<VCS_FILE_SPEC>& specs, const SYNC_OPTIONS& options,
+    bool sync(QString& error, const QVector<VCS_FILE_ARGUMENT>& file_args, const SYNC_OPTIONS& options,
               QVector<ITEM>& items);
-    bool resolve(QString& error, const QVector<VCS_FILE_SPEC>& specs, VCS_RESOLVE how, bool preview,
+    bool resolve(QString& error, const QVector<VCS_FILE_ARGUMENT>& file_args, VCS_RESOLVE how, bool preview,
                  QVector<ITEM>& items);
-    bool open(QString& error, const QVector<VCS_FILE_SPEC>& specs, VCS_ACTION action, int change,
+    bool open(QString& error, const QVector<VCS_FILE_ARGUMENT>& file_args, VCS_ACTION action, int change,
               bool keep_local_file, QVector<ITEM>& items);
-    bool revert(QString& error, const QVector<VCS_FILE_SPEC>& specs, const REVERT_OPTIONS& options,
+    bool revert(QString& error, const QVector<VCS_FILE_ARGUMENT>& file_args, const REVERT_OPTIONS& options,
                 QVector<ITEM>& items);
 
     // Copies local files into a new folder under "orbin/safety" before they

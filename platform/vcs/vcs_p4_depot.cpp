@@ -1,6 +1,6 @@
 #include "vcs_p4_depot.h"
 
-#include "vcs_file_spec.h"
+#include "vcs_file_argument.h"
 #include "vcs_identity.h"
 
 #include <QDateTime>
@@ -36,7 +36,7 @@ bool is_benign(const QString& message)
 
 QString VCS_P4_DEPOT::lock_file(const QString& folder)
 {
-    return VCS_FILE_SPEC::clean_path(folder) + QStringLiteral("/orbin.lock");
+    return VCS_FILE_ARGUMENT::clean_path(folder) + QStringLiteral("/orbin.lock");
 }
 
 bool VCS_P4_DEPOT::open_at(QString& error, const QString& start_directory, const QString& config_file,
@@ -107,7 +107,7 @@ bool VCS_P4_DEPOT::load_info(QString& error) const
     }
     const VCS_ZTAG_RECORD& info = result.records.first();
     client_name = info.value(QStringLiteral("clientName"));
-    client_root = VCS_FILE_SPEC::clean_path(info.value(QStringLiteral("clientRoot")));
+    client_root = VCS_FILE_ARGUMENT::clean_path(info.value(QStringLiteral("clientRoot")));
     client_user = info.value(QStringLiteral("userName"));
     if (client_name.isEmpty() || client_name == QLatin1String("*unknown*") || client_root.isEmpty())
     {
@@ -138,19 +138,19 @@ QString VCS_P4_DEPOT::user_name() const
     return load_info(error) && !client_user.isEmpty() ? client_user : VCS_IDENTITY::user_name();
 }
 
-QString VCS_P4_DEPOT::spec_of(const QString& path) const
+QString VCS_P4_DEPOT::argument_of(const QString& path) const
 {
     if (path.startsWith(QLatin1String("//")))
         return path;
     if (QFileInfo(path).isDir())
-        return VCS_FILE_SPEC::clean_path(path) + QStringLiteral("/...");
-    return VCS_FILE_SPEC::clean_path(path);
+        return VCS_FILE_ARGUMENT::clean_path(path) + QStringLiteral("/...");
+    return VCS_FILE_ARGUMENT::clean_path(path);
 }
 
 QString VCS_P4_DEPOT::root_relative_depot_path(const QString& local) const
 {
     const QString top = root();
-    const QString cleaned = VCS_FILE_SPEC::clean_path(local);
+    const QString cleaned = VCS_FILE_ARGUMENT::clean_path(local);
     if (!top.isEmpty() && cleaned.startsWith(top + QLatin1Char('/')))
         return QStringLiteral("//") + cleaned.mid(top.size() + 1);
     return QString();
@@ -161,7 +161,7 @@ QString VCS_P4_DEPOT::local_path(const QString& depot_path) const
     const RESULT result = p4({QStringLiteral("where"), depot_path});
     if (!result.ok || result.records.isEmpty())
         return QString();
-    return VCS_FILE_SPEC::clean_path(result.records.first().value(QStringLiteral("path")));
+    return VCS_FILE_ARGUMENT::clean_path(result.records.first().value(QStringLiteral("path")));
 }
 
 bool VCS_P4_DEPOT::run(const QString& command, const QStringList& arguments, const QString& input,
@@ -206,11 +206,11 @@ bool VCS_P4_DEPOT::run(const QString& command, const QStringList& arguments, con
 bool VCS_P4_DEPOT::status(QString& error, const QString& path, QVector<VCS_FILE_STATUS>& out)
 {
     out.clear();
-    const QString spec = spec_of(path);
+    const QString file_arg = argument_of(path);
     QMap<QString, VCS_FILE_STATUS> files;
     QMap<QString, QString> local_of_depot;
 
-    const RESULT opened = p4({QStringLiteral("fstat"), QStringLiteral("-Ro"), spec});
+    const RESULT opened = p4({QStringLiteral("fstat"), QStringLiteral("-Ro"), file_arg});
     if (!opened.ok && !opened.messages.isEmpty() && !is_benign(opened.error))
     {
         error = opened.error;
@@ -218,7 +218,7 @@ bool VCS_P4_DEPOT::status(QString& error, const QString& path, QVector<VCS_FILE_
     }
     for (const VCS_ZTAG_RECORD& record : opened.records)
     {
-        const QString local = VCS_FILE_SPEC::clean_path(record.value(QStringLiteral("clientFile")));
+        const QString local = VCS_FILE_ARGUMENT::clean_path(record.value(QStringLiteral("clientFile")));
         if (local.isEmpty())
             continue;
         VCS_FILE_STATUS status;
@@ -234,20 +234,20 @@ bool VCS_P4_DEPOT::status(QString& error, const QString& path, QVector<VCS_FILE_
     if (!files.isEmpty())
     {
         // Opened files whose content is the have revision's are not changed.
-        const RESULT same = p4({QStringLiteral("diff"), QStringLiteral("-sr"), spec});
+        const RESULT same = p4({QStringLiteral("diff"), QStringLiteral("-sr"), file_arg});
         for (const VCS_ZTAG_RECORD& record : same.records)
         {
             QString local = record.value(QStringLiteral("clientFile"));
             if (local.isEmpty() || local.startsWith(QLatin1String("//")))
                 local = local_of_depot.value(record.value(QStringLiteral("depotFile")));
-            local = VCS_FILE_SPEC::clean_path(local);
+            local = VCS_FILE_ARGUMENT::clean_path(local);
             auto found = files.find(local);
             if (found != files.end() && found->opened == VCS_ACTION::EDIT)
                 found->change = VCS_ACTION::NONE;
         }
     }
     // Changes made without opening the files (the client allows writable files).
-    const RESULT loose = p4({QStringLiteral("reconcile"), QStringLiteral("-n"), spec});
+    const RESULT loose = p4({QStringLiteral("reconcile"), QStringLiteral("-n"), file_arg});
     if (!loose.ok && !is_benign(loose.error))
     {
         error = loose.error;
@@ -255,7 +255,7 @@ bool VCS_P4_DEPOT::status(QString& error, const QString& path, QVector<VCS_FILE_
     }
     for (const VCS_ZTAG_RECORD& record : loose.records)
     {
-        const QString local = VCS_FILE_SPEC::clean_path(record.value(QStringLiteral("clientFile")));
+        const QString local = VCS_FILE_ARGUMENT::clean_path(record.value(QStringLiteral("clientFile")));
         if (local.isEmpty() || files.contains(local))
             continue;
         VCS_FILE_STATUS status;
@@ -277,7 +277,7 @@ bool VCS_P4_DEPOT::read_file(QString& error, const QString& file, const QString&
         return true;
     // A token of an unresolved file is a whole depot revision already.
     const QString target =
-        revision.startsWith(QLatin1String("//")) ? revision : VCS_FILE_SPEC::clean_path(file) + revision;
+        revision.startsWith(QLatin1String("//")) ? revision : VCS_FILE_ARGUMENT::clean_path(file) + revision;
     const RESULT listing = p4({QStringLiteral("files"), target});
     if (!listing.ok || listing.records.isEmpty())
     {
@@ -304,7 +304,7 @@ bool VCS_P4_DEPOT::have_change(QString& error, const QString& path, int& change)
 {
     change = 0;
     const RESULT result =
-        p4({QStringLiteral("changes"), QStringLiteral("-m1"), spec_of(path) + QStringLiteral("#have")});
+        p4({QStringLiteral("changes"), QStringLiteral("-m1"), argument_of(path) + QStringLiteral("#have")});
     if (!result.ok)
     {
         error = result.error;
@@ -319,7 +319,7 @@ bool VCS_P4_DEPOT::head_change(QString& error, const QString& path, int& change)
 {
     change = 0;
     const RESULT result = p4({QStringLiteral("changes"), QStringLiteral("-m1"), QStringLiteral("-s"),
-                              QStringLiteral("submitted"), spec_of(path)});
+                              QStringLiteral("submitted"), argument_of(path)});
     if (!result.ok)
     {
         error = result.error;
@@ -334,7 +334,7 @@ bool VCS_P4_DEPOT::file_change(QString& error, const QString& file, int revision
 {
     change = 0;
     const RESULT result = p4({QStringLiteral("changes"), QStringLiteral("-m1"),
-                              VCS_FILE_SPEC::clean_path(file) + QStringLiteral("#%1").arg(revision)});
+                              VCS_FILE_ARGUMENT::clean_path(file) + QStringLiteral("#%1").arg(revision)});
     if (!result.ok || result.records.isEmpty())
     {
         error = result.error.isEmpty() ? QStringLiteral("%1#%2 - no such file(s).").arg(file).arg(revision)
@@ -348,7 +348,7 @@ bool VCS_P4_DEPOT::file_change(QString& error, const QString& file, int revision
 bool VCS_P4_DEPOT::incoming(QString& error, const QString& path, QStringList& files)
 {
     files.clear();
-    const RESULT result = p4({QStringLiteral("sync"), QStringLiteral("-n"), spec_of(path)});
+    const RESULT result = p4({QStringLiteral("sync"), QStringLiteral("-n"), argument_of(path)});
     if (!result.ok && !is_benign(result.error))
     {
         error = result.error;
@@ -358,7 +358,7 @@ bool VCS_P4_DEPOT::incoming(QString& error, const QString& path, QStringList& fi
     {
         const QString local = record.value(QStringLiteral("clientFile"));
         if (!local.isEmpty())
-            files.append(VCS_FILE_SPEC::clean_path(local));
+            files.append(VCS_FILE_ARGUMENT::clean_path(local));
     }
     files.sort();
     return true;
@@ -366,8 +366,8 @@ bool VCS_P4_DEPOT::incoming(QString& error, const QString& path, QStringList& fi
 
 bool VCS_P4_DEPOT::export_files(QString& error, const QString& directory, int change, const QString& target)
 {
-    const QString spec = spec_of(directory);
-    const RESULT mapping = p4({QStringLiteral("where"), spec});
+    const QString file_arg = argument_of(directory);
+    const RESULT mapping = p4({QStringLiteral("where"), file_arg});
     if (!mapping.ok || mapping.records.isEmpty())
     {
         error = mapping.error.isEmpty() ? QStringLiteral("%1 - file(s) not in client view.").arg(directory)
@@ -377,7 +377,7 @@ bool VCS_P4_DEPOT::export_files(QString& error, const QString& directory, int ch
     QString prefix = mapping.records.first().value(QStringLiteral("depotFile"));
     if (prefix.endsWith(QLatin1String("...")))
         prefix.chop(3);
-    const RESULT listing = p4({QStringLiteral("files"), spec + QStringLiteral("@%1").arg(change)});
+    const RESULT listing = p4({QStringLiteral("files"), file_arg + QStringLiteral("@%1").arg(change)});
     if (!listing.ok || listing.records.isEmpty())
     {
         error = listing.error.isEmpty()
@@ -412,16 +412,16 @@ bool VCS_P4_DEPOT::export_files(QString& error, const QString& directory, int ch
     return true;
 }
 
-bool VCS_P4_DEPOT::sync(QString& error, const QStringList& specs, QStringList& updated)
+bool VCS_P4_DEPOT::sync(QString& error, const QStringList& file_args, QStringList& updated)
 {
     updated.clear();
     // Files changed without being opened would block the sync ("can't clobber
     // writable file"); opening them first makes the client schedule resolves
     // instead, so local work survives.
     QStringList plain;
-    for (const QString& spec : specs)
+    for (const QString& file_arg : file_args)
     {
-        QString path = spec;
+        QString path = file_arg;
         const int marker = std::max(path.lastIndexOf(QLatin1Char('#')), path.lastIndexOf(QLatin1Char('@')));
         if (marker > path.lastIndexOf(QLatin1Char('/')))
             path = path.left(marker);
@@ -433,7 +433,7 @@ bool VCS_P4_DEPOT::sync(QString& error, const QStringList& specs, QStringList& u
         error = reconciled.error;
         return false;
     }
-    const RESULT result = p4(QStringList{QStringLiteral("sync")} + specs);
+    const RESULT result = p4(QStringList{QStringLiteral("sync")} + file_args);
     if (!result.ok && !is_benign(result.error))
     {
         error = result.error;
@@ -443,7 +443,7 @@ bool VCS_P4_DEPOT::sync(QString& error, const QStringList& specs, QStringList& u
     {
         const QString local = record.value(QStringLiteral("clientFile"));
         if (!local.isEmpty())
-            updated.append(VCS_FILE_SPEC::clean_path(local));
+            updated.append(VCS_FILE_ARGUMENT::clean_path(local));
     }
     return true;
 }
@@ -451,7 +451,7 @@ bool VCS_P4_DEPOT::sync(QString& error, const QStringList& specs, QStringList& u
 bool VCS_P4_DEPOT::unresolved(QString& error, const QString& path, QVector<VCS_UNRESOLVED>& out)
 {
     out.clear();
-    const RESULT result = p4({QStringLiteral("resolve"), QStringLiteral("-n"), spec_of(path)});
+    const RESULT result = p4({QStringLiteral("resolve"), QStringLiteral("-n"), argument_of(path)});
     if (!result.ok && !is_benign(result.error))
     {
         error = result.error;
@@ -460,7 +460,7 @@ bool VCS_P4_DEPOT::unresolved(QString& error, const QString& path, QVector<VCS_U
     for (const VCS_ZTAG_RECORD& record : result.records)
     {
         VCS_UNRESOLVED entry;
-        entry.path = VCS_FILE_SPEC::clean_path(record.value(QStringLiteral("clientFile")));
+        entry.path = VCS_FILE_ARGUMENT::clean_path(record.value(QStringLiteral("clientFile")));
         const QString from = record.value(QStringLiteral("fromFile"));
         const QString base_file = record.value(QStringLiteral("baseFile"), from);
         QString base_revision =
@@ -528,11 +528,11 @@ bool VCS_P4_DEPOT::open(QString& error, const QStringList& files, VCS_ACTION act
     return true;
 }
 
-bool VCS_P4_DEPOT::revert(QString& error, const QStringList& specs, bool keep_content, bool wipe_added)
+bool VCS_P4_DEPOT::revert(QString& error, const QStringList& file_args, bool keep_content, bool wipe_added)
 {
     QStringList plain;
-    for (const QString& spec : specs)
-        plain.append(spec_of(spec));
+    for (const QString& file_arg : file_args)
+        plain.append(argument_of(file_arg));
     if (!keep_content)
     {
         // Changes made without opening are opened first so that one revert
@@ -751,7 +751,7 @@ bool VCS_P4_DEPOT::describe(QString& error, int change, VCS_CHANGE_INFO& out)
     QMap<QString, QString> local_of;
     for (const VCS_ZTAG_RECORD& mapped : where.records)
         local_of.insert(mapped.value(QStringLiteral("depotFile")),
-                        VCS_FILE_SPEC::clean_path(mapped.value(QStringLiteral("path"))));
+                        VCS_FILE_ARGUMENT::clean_path(mapped.value(QStringLiteral("path"))));
     for (VCS_CHANGE_FILE& file : out.files)
     {
         file.local_path = local_of.value(file.depot_path);

@@ -34,11 +34,11 @@ public:
     bool file_change(QString& error, const QString& file, int revision, int& change) override;
     bool incoming(QString& error, const QString& path, QStringList& files) override;
     bool export_files(QString& error, const QString& directory, int change, const QString& target) override;
-    bool sync(QString& error, const QStringList& specs, QStringList& updated) override;
+    bool sync(QString& error, const QStringList& file_args, QStringList& updated) override;
     bool unresolved(QString& error, const QString& path, QVector<VCS_UNRESOLVED>& out) override;
     bool resolve(QString& error, const QStringList& files, VCS_RESOLVE how) override;
     bool open(QString& error, const QStringList& files, VCS_ACTION action, int change) override;
-    bool revert(QString& error, const QStringList& specs, bool keep_content, bool wipe_added) override;
+    bool revert(QString& error, const QStringList& file_args, bool keep_content, bool wipe_added) override;
     bool new_change(QString& error, const QString& description, int& change) override;
     bool pending_changes(QString& error, QVector<VCS_CHANGE_INFO>& out) override;
     bool delete_change(QString& error, int change) override;
@@ -67,7 +67,7 @@ public:
 
 private:
     bool load_info(QString& error) const;
-    QString spec_of(const QString& path) const;
+    QString argument_of(const QString& path) const;
     // "//" + the path below the client root, or the depot path when it lies elsewhere.
     QString root_relative_depot_path(const QString& local) const;
 

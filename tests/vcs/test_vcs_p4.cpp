@@ -252,13 +252,13 @@ private slots:
         QString error;
         QVector<VCS_FILE_STATUS> changes;
         QVERIFY2(client->status(error, root + QStringLiteral("/db"), changes), qPrintable(error));
-        const QString spec = root + QStringLiteral("/db/...");
+        const QString file_arg = root + QStringLiteral("/db/...");
         QCOMPARE(last_call(QStringLiteral("fstat")),
-                 (QStringList{QStringLiteral("fstat"), QStringLiteral("-Ro"), spec}));
+                 (QStringList{QStringLiteral("fstat"), QStringLiteral("-Ro"), file_arg}));
         QCOMPARE(last_call(QStringLiteral("diff")),
-                 (QStringList{QStringLiteral("diff"), QStringLiteral("-sr"), spec}));
+                 (QStringList{QStringLiteral("diff"), QStringLiteral("-sr"), file_arg}));
         QCOMPARE(last_call(QStringLiteral("reconcile")),
-                 (QStringList{QStringLiteral("reconcile"), QStringLiteral("-n"), spec}));
+                 (QStringList{QStringLiteral("reconcile"), QStringLiteral("-n"), file_arg}));
         QMap<QString, VCS_FILE_STATUS> by_name;
         for (const VCS_FILE_STATUS& status : changes)
             by_name.insert(QFileInfo(status.path).fileName(), status);

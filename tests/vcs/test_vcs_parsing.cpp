@@ -2,7 +2,7 @@
 // file arguments, command options and the describe shape.
 
 #include "vcs_depot.h"
-#include "vcs_file_spec.h"
+#include "vcs_file_argument.h"
 #include "vcs_git_verbs.h"
 #include "vcs_ztag_record.h"
 
@@ -89,7 +89,7 @@ private slots:
         QTest::addColumn<QString>("folder");
         QTest::addColumn<QString>("matching");
         QTest::addColumn<QString>("not_matching");
-        const int none = VCS_FILE_SPEC::REVISION_NONE_GIVEN;
+        const int none = VCS_FILE_ARGUMENT::REVISION_NONE_GIVEN;
         QTest::newRow("absolute file") << "/ws/db/units.xml"
                                        << "db/units.xml" << none << 0 << "db"
                                        << "db/units.xml"
@@ -119,23 +119,23 @@ private slots:
                                          << "a.txt"
                                          << "";
         QTest::newRow("have") << "/ws/db/a.xml#have"
-                              << "db/a.xml" << int(VCS_FILE_SPEC::REVISION_HAVE) << 0 << "db"
+                              << "db/a.xml" << int(VCS_FILE_ARGUMENT::REVISION_HAVE) << 0 << "db"
                               << "db/a.xml"
                               << "";
         QTest::newRow("head") << "/ws/db/a.xml#head"
-                              << "db/a.xml" << int(VCS_FILE_SPEC::REVISION_HEAD) << 0 << "db"
+                              << "db/a.xml" << int(VCS_FILE_ARGUMENT::REVISION_HEAD) << 0 << "db"
                               << "db/a.xml"
                               << "";
         QTest::newRow("revision") << "/ws/db/a.xml#3"
-                                  << "db/a.xml" << int(VCS_FILE_SPEC::REVISION_FILE) << 3 << "db"
+                                  << "db/a.xml" << int(VCS_FILE_ARGUMENT::REVISION_FILE) << 3 << "db"
                                   << "db/a.xml"
                                   << "";
         QTest::newRow("revision none") << "/ws/db/a.xml#0"
-                                       << "db/a.xml" << int(VCS_FILE_SPEC::REVISION_DELETED) << 0 << "db"
+                                       << "db/a.xml" << int(VCS_FILE_ARGUMENT::REVISION_DELETED) << 0 << "db"
                                        << ""
                                        << "";
         QTest::newRow("changelist") << "/ws/db/...@120"
-                                    << "db/..." << int(VCS_FILE_SPEC::REVISION_CHANGE) << 120 << "db"
+                                    << "db/..." << int(VCS_FILE_ARGUMENT::REVISION_CHANGE) << 120 << "db"
                                     << ""
                                     << "";
         QTest::newRow("at sign in a folder name") << "/ws/a@b/c.xml"
@@ -153,19 +153,20 @@ private slots:
         QFETCH(QString, folder);
         QFETCH(QString, matching);
         QFETCH(QString, not_matching);
-        VCS_FILE_SPEC spec;
+        VCS_FILE_ARGUMENT file_arg;
         QString error;
-        QVERIFY2(spec.parse(error, text, QStringLiteral("/ws"), QStringLiteral("/ws")), qPrintable(error));
-        QCOMPARE(spec.relative_pattern(), pattern);
-        QCOMPARE(int(spec.revision_kind()), kind);
-        QCOMPARE(spec.revision_number(), number);
-        QCOMPARE(spec.has_wildcards() ? spec.fixed_directory()
-                                      : spec.relative_pattern().section(QLatin1Char('/'), 0, -2),
+        QVERIFY2(file_arg.parse(error, text, QStringLiteral("/ws"), QStringLiteral("/ws")),
+                 qPrintable(error));
+        QCOMPARE(file_arg.relative_pattern(), pattern);
+        QCOMPARE(int(file_arg.revision_kind()), kind);
+        QCOMPARE(file_arg.revision_number(), number);
+        QCOMPARE(file_arg.has_wildcards() ? file_arg.fixed_directory()
+                                          : file_arg.relative_pattern().section(QLatin1Char('/'), 0, -2),
                  folder);
         if (!matching.isEmpty())
-            QVERIFY(spec.matches(matching));
+            QVERIFY(file_arg.matches(matching));
         if (!not_matching.isEmpty())
-            QVERIFY(!spec.matches(not_matching));
+            QVERIFY(!file_arg.matches(not_matching));
     }
 
     void bad_file_arguments_data()
@@ -188,9 +189,9 @@ private slots:
     {
         QFETCH(QString, text);
         QFETCH(QString, message);
-        VCS_FILE_SPEC spec;
+        VCS_FILE_ARGUMENT file_arg;
         QString error;
-        QVERIFY(!spec.parse(error, text, QStringLiteral("/ws"), QStringLiteral("/ws")));
+        QVERIFY(!file_arg.parse(error, text, QStringLiteral("/ws"), QStringLiteral("/ws")));
         QVERIFY2(error.contains(message), qPrintable(error));
     }
 

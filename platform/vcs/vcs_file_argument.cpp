@@ -1,8 +1,8 @@
-#include "vcs_file_spec.h"
+#include "vcs_file_argument.h"
 
 #include <QDir>
 
-QString VCS_FILE_SPEC::clean_path(const QString& path)
+QString VCS_FILE_ARGUMENT::clean_path(const QString& path)
 {
     QString cleaned = path;
     cleaned.replace(QLatin1Char('\\'), QLatin1Char('/'));
@@ -15,8 +15,8 @@ QString VCS_FILE_SPEC::clean_path(const QString& path)
     return cleaned;
 }
 
-bool VCS_FILE_SPEC::parse(QString& error, const QString& text, const QString& root,
-                          const QString& working_directory)
+bool VCS_FILE_ARGUMENT::parse(QString& error, const QString& text, const QString& root,
+                              const QString& working_directory)
 {
     original = text;
     kind = REVISION_NONE_GIVEN;
@@ -135,12 +135,12 @@ bool VCS_FILE_SPEC::parse(QString& error, const QString& text, const QString& ro
     return true;
 }
 
-bool VCS_FILE_SPEC::is_whole_workspace() const
+bool VCS_FILE_ARGUMENT::is_whole_workspace() const
 {
     return pattern == QLatin1String("...");
 }
 
-QString VCS_FILE_SPEC::fixed_directory() const
+QString VCS_FILE_ARGUMENT::fixed_directory() const
 {
     int first_wildcard = pattern.size();
     const int dots = pattern.indexOf(QLatin1String("..."));
@@ -159,14 +159,14 @@ QString VCS_FILE_SPEC::fixed_directory() const
     return slash < 0 ? QString() : fixed.left(slash);
 }
 
-bool VCS_FILE_SPEC::matches(const QString& relative_path) const
+bool VCS_FILE_ARGUMENT::matches(const QString& relative_path) const
 {
     if (!wildcards)
         return relative_path == pattern;
     return expression.match(relative_path).hasMatch();
 }
 
-QString VCS_FILE_SPEC::revision_text() const
+QString VCS_FILE_ARGUMENT::revision_text() const
 {
     switch (kind)
     {

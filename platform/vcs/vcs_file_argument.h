@@ -8,7 +8,7 @@
 // depot path "//..." that is relative to the workspace root; with the
 // wildcards "..." (any depth) and "*" (within one folder); and an optional
 // revision: "#n", "#have", "#head", "#none", "@n" (a changelist number).
-class VCS_FILE_SPEC
+class VCS_FILE_ARGUMENT
 {
 public:
     enum REVISION_KIND
