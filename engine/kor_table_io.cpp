@@ -568,8 +568,7 @@ bool KOR_TABLE_IO::read_table_file(QString& error, const QString& path, const KO
     // The buffer is parsed in place; an error is located in a fresh read.
     return read_table_buffer(
         error, bytes.data(), size_t(bytes.size()), path,
-        [path]()
-        {
+        [path]() {
             QFile again(path);
             return again.open(QIODevice::ReadOnly) ? again.readAll() : QByteArray();
         },
@@ -599,9 +598,9 @@ public:
         field_count = schema.field_count();
         fields.reserve(size_t(field_count));
         QList<QString> sorted_names = schema.column_ordering();
-        std::sort(sorted_names.begin(), sorted_names.end(),
-                  [](const QString& a, const QString& b)
-                  { return CASE_INSENSITIVE_COMPARE_STRING::compare(a, b) < 0; });
+        std::sort(sorted_names.begin(), sorted_names.end(), [](const QString& a, const QString& b) {
+            return CASE_INSENSITIVE_COMPARE_STRING::compare(a, b) < 0;
+        });
         for (const QString& name : schema.column_ordering())
         {
             FIELD_INFO info;
@@ -680,21 +679,17 @@ public:
             KOR_FIELD_DATA** items = static_cast<KOR_FIELD_DATA**>(pool.allocate(
                 sizeof(KOR_FIELD_DATA*) * size_t(qMax(1, field_count)), alignof(KOR_FIELD_DATA*)));
             std::fill(items, items + field_count, nullptr);
-            auto fail_record = [&](const QString& reason, qint64 offset)
-            {
+            auto fail_record = [&](const QString& reason, qint64 offset) {
                 error = QStringLiteral("%1: %2").arg(where(offset), reason);
                 // Only the fields made so far belong to the record.
                 int made = 0;
                 for (int i = 0; i < field_count; ++i)
                     if (items[i])
                         items[made++] = items[i];
-                std::sort(items, items + made,
-                          [](KOR_FIELD_DATA* a, KOR_FIELD_DATA* b)
-                          {
-                              return CASE_INSENSITIVE_COMPARE_STRING::compare(
-                                         a->field_schema()->field_name(), b->field_schema()->field_name()) <
-                                     0;
-                          });
+                std::sort(items, items + made, [](KOR_FIELD_DATA* a, KOR_FIELD_DATA* b) {
+                    return CASE_INSENSITIVE_COMPARE_STRING::compare(a->field_schema()->field_name(),
+                                                                    b->field_schema()->field_name()) < 0;
+                });
                 KOR_ENGINE_ACCESS::set_pooled_fields(record, items, quint32(made));
                 return false;
             };
@@ -792,11 +787,10 @@ public:
     bool finish(QString& error, KOR_TABLE_DATA& out, KOR_TABLE_READ_DETAILS* details)
     {
         if (!sorted)
-            std::stable_sort(entries.begin(), entries.end(),
-                             [](const KOR_RECORD_MAP::ENTRY& a, const KOR_RECORD_MAP::ENTRY& b)
-                             { return a.key < b.key; });
-        auto offset_of = [this](const KOR_RECORD_DATA* record)
-        {
+            std::stable_sort(
+                entries.begin(), entries.end(),
+                [](const KOR_RECORD_MAP::ENTRY& a, const KOR_RECORD_MAP::ENTRY& b) { return a.key < b.key; });
+        auto offset_of = [this](const KOR_RECORD_DATA* record) {
             for (const auto& entry : offsets)
                 if (entry.first == record)
                     return entry.second;

@@ -87,6 +87,9 @@ public:
     };
     std::map<QString, LOADED_TABLE> tables;
     QMap<QString, KOR_FILE_SIGNATURE> schema_signatures;
+    // Tables whose file could not be read, with the reason: reported once,
+    // answered again without reading the file until the next connection.
+    QMap<QString, QString> load_failures;
     KOR_DATABASE_DATA database_data;
     KOR_PERMISSIONS permissions;
     mutable QString last_error;

@@ -164,6 +164,12 @@ void TST_KOR_ENGINE_BAD_INPUT::damaged_table_files_are_reported()
     QVERIFY2(error.contains(where), qPrintable(error));
     QVERIFY2(error.contains(why), qPrintable(error));
     QVERIFY(m_progress.texts(PROGRESS_CALLBACK::SEVERITY_ERROR).contains(why));
+    // Asking again answers the same without another report.
+    const int reports = m_progress.reports.size();
+    QString again;
+    QVERIFY(!m_db->query_interface().get_table_data(again, QStringLiteral("units")));
+    QCOMPARE(again, error);
+    QCOMPARE(m_progress.reports.size(), reports);
     // The rest of the database is unharmed, and the bad table cannot be written over.
     QVERIFY(m_db->query_interface().get_table_data(error, QStringLiteral("factions")));
     QVERIFY(!m_db->query_interface()
