@@ -112,6 +112,13 @@ QString KOR_XML_QUERY_INTERFACE_PRIVATE::open(const QString& database_path)
             KOR_FILE_SIGNATURE::of(KOR_TABLE_IO::schema_file_path(path, table_schema->get_table_name())));
     PATCHED_TABLES::instance().load_from_database(path);
     connected = true;
+    const QString queries_error = open_queries();
+    if (!queries_error.isEmpty())
+    {
+        report(queries_error, PROGRESS_CALLBACK::SEVERITY_ERROR);
+        close();
+        return fail(queries_error);
+    }
     return QString();
 }
 
@@ -119,6 +126,8 @@ void KOR_XML_QUERY_INTERFACE_PRIVATE::close()
 {
     if (tx.open)
         rollback();
+    if (connected)
+        close_queries();
     database_data.clear();
     tables.clear();
     retired_tables.clear();
