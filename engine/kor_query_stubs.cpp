@@ -3,6 +3,7 @@
 // They are weak so that real definitions win should both be linked.
 
 #include "kor_xml_query_interface.h"
+#include "kor_xml_query_interface_p.h"
 
 #define KOR_TEMPORARY __attribute__((weak))
 
@@ -41,3 +42,10 @@ KOR_TEMPORARY bool KOR_XML_QUERY_INTERFACE::get_query_data_from_simple_sql(QStri
     error = QString::fromLatin1(NOT_AVAILABLE);
     return false;
 }
+
+KOR_TEMPORARY QString KOR_XML_QUERY_INTERFACE_PRIVATE::open_queries()
+{
+    return QString();
+}
+
+KOR_TEMPORARY void KOR_XML_QUERY_INTERFACE_PRIVATE::close_queries() {}
