@@ -47,6 +47,14 @@ QMdiSubWindow* VELD_WINDOW_REGISTRY::find_form(const QString& name, int type) co
     return forms->value(name).data();
 }
 
+bool VELD_WINDOW_REGISTRY::holds(const QString& name, int type, const QWidget* contents) const
+{
+    const QMdiSubWindow* window = find_form(name, type);
+    // Compared through the parent: a form asks this from its destructor too,
+    // while its sub-window is being destroyed.
+    return window && contents && (window == contents || contents->parentWidget() == window);
+}
+
 bool VELD_WINDOW_REGISTRY::any_of_type(int type) const
 {
     const auto forms = m_forms.constFind(type);
