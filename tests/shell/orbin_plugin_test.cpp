@@ -6,6 +6,9 @@
 // be scripted from here: the cases never let a window run its event loop.
 #include "app_extension_plugin_interface.h"
 #include "database_editor_plugin_interface.h"
+#include "kor_xml_query_interface.h"
+#include "project_paths.h"
+#include "test_folder.h"
 
 #include <QtTest/QtTest>
 
@@ -15,6 +18,9 @@ class ORBIN_PLUGIN_TEST : public QObject
 
     QPluginLoader loader{QStringLiteral(ORBIN_PLUGIN_FILE)};
     QObject* instance = nullptr;
+    // The project the plugin's session is made for: a database beside the
+    // binaries, so that connecting asks nothing.
+    TEST_FOLDER project;
 
     APP_EXTENSION_PLUGIN_INTERFACE* application()
     {
@@ -47,6 +53,11 @@ class ORBIN_PLUGIN_TEST : public QObject
 private slots:
     void initTestCase()
     {
+        const QString binaries = project.make_folder("bin");
+        QCOMPARE(KOR_XML_QUERY_INTERFACE::create_empty_database(binaries + "/db"), QString());
+        LIBRARY_PROXY::PROJECT_PATHS paths = LIBRARY_PROXY::PROJECT_PATHS::none();
+        paths.binaries_path = binaries;
+        LIBRARY_PROXY::PROJECT_PATHS::set_current(paths);
         instance = loader.instance();
         QVERIFY2(instance, qPrintable(loader.errorString()));
     }
@@ -133,6 +144,47 @@ private slots:
     {
         QVERIFY(application()->can_close());
         // Nothing to disconnect: the answer is yes at once.
+        QVERIFY(database()->disconnect_database());
+    }
+
+    // The host reaches the database through the plugin and hears of every
+    // change of the connection.
+    void database_side()
+    {
+        QSignalSpy connected(database(), &DATABASE_EDITOR_PLUGIN_INTERFACE::database_connected);
+        QSignalSpy disconnected(database(), &DATABASE_EDITOR_PLUGIN_INTERFACE::database_disconnected);
+        KOR_XML_QUERY_INTERFACE* interface = database()->database_interface();
+        QVERIFY(interface);
+        QVERIFY(interface->is_connected());
+        QCOMPARE(connected.count(), 1);
+        // Connected: the same interface, nothing new.
+        QCOMPARE(database()->database_interface(), interface);
+        QVERIFY(database()->connect_database(true));
+        QCOMPARE(connected.count(), 1);
+
+        QVERIFY(database()->disconnect_database());
+        QCOMPARE(disconnected.count(), 1);
+        QVERIFY(database()->connect_database(false));
+        QCOMPARE(connected.count(), 2);
+
+        // With a window open (and no forms in it) the host may disconnect too.
+        std::shared_ptr<QWidget> window = open_through_the_action();
+        QVERIFY(window);
+        QVERIFY(application()->can_close());
+        QVERIFY(database()->disconnect_database());
+        QCOMPARE(disconnected.count(), 2);
+    }
+
+    // A window made while the session is connected finds it so.
+    void new_window_on_a_connected_session()
+    {
+        QVERIFY(database()->connect_database(true));
+        std::shared_ptr<QWidget> window = open_through_the_action();
+        auto* list = window->findChild<QListWidget*>("statusList");
+        QVERIFY(list);
+        QCOMPARE(list->count(), 1);
+        QVERIFY(list->item(0)->text().endsWith("> The database is already connected!"));
+        window.reset();
         QVERIFY(database()->disconnect_database());
     }
 
