@@ -11,7 +11,7 @@
 #include <QtWidgets/QLabel>
 #include <QtWidgets/QListWidget>
 
-ABOUT_DIALOG::ABOUT_DIALOG(QWidget* parent) : QDialog(parent)
+ABOUT_DIALOG::ABOUT_DIALOG(QWidget* parent) : VELD_MDI_DIALOG(parent)
 {
     setObjectName(QStringLiteral("aboutDialog"));
     setWindowTitle(QStringLiteral("About"));
@@ -40,12 +40,7 @@ ABOUT_DIALOG::ABOUT_DIALOG(QWidget* parent) : QDialog(parent)
         {QStringLiteral("The ORBIN team: tools programming"), QStringLiteral("The ORBIN team: design data")});
 
     auto* buttons = new QDialogButtonBox(QDialogButtonBox::Close, this);
-    connect(buttons, &QDialogButtonBox::rejected, this, [this] {
-        if (QWidget* frame = parentWidget())
-            frame->close();
-        else
-            close();
-    });
+    connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
 
     auto* layout = new QGridLayout(this);
     layout->addWidget(icon, 0, 0, 2, 1, Qt::AlignTop);
@@ -65,7 +60,7 @@ ABOUT_DIALOG::~ABOUT_DIALOG()
 void ABOUT_DIALOG::closeEvent(QCloseEvent* event)
 {
     unregister();
-    QDialog::closeEvent(event);
+    VELD_MDI_DIALOG::closeEvent(event);
 }
 
 void ABOUT_DIALOG::unregister()

@@ -1,12 +1,12 @@
 #pragma once
 
-#include <QtWidgets/QDialog>
+#include "veld_mdi_dialog.h"
 
 class QLCDNumber;
 
 // Who made the editor and which database format it speaks. An MDI child
 // registered as "ABOUT_FORM", type 10.
-class ABOUT_DIALOG : public QDialog
+class ABOUT_DIALOG : public VELD_MDI_DIALOG
 {
     Q_OBJECT
 

@@ -26,7 +26,7 @@ const QStringList DIFF_COLOURS = {"differs_colour", "only_in_db_1_colour", "only
 const QStringList WINDOW_COLOURS = {"window_back_colour"};
 } // namespace
 
-OPTIONS_DIALOG::OPTIONS_DIALOG(QWidget* parent) : QDialog(parent)
+OPTIONS_DIALOG::OPTIONS_DIALOG(QWidget* parent) : VELD_MDI_DIALOG(parent)
 {
     setObjectName(QStringLiteral("optionsDialog"));
     setWindowTitle(QStringLiteral("Preferences"));
@@ -102,14 +102,7 @@ OPTIONS_DIALOG::OPTIONS_DIALOG(QWidget* parent) : QDialog(parent)
 
     auto* buttons = new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel, this);
     connect(buttons, &QDialogButtonBox::accepted, this, &OPTIONS_DIALOG::on_accept);
-    connect(buttons, &QDialogButtonBox::rejected, this, [this] {
-        // Inside the MDI area the dialog's own reject would only hide it,
-        // leaving an empty frame: its sub-window closes instead.
-        if (QWidget* frame = parentWidget())
-            frame->close();
-        else
-            close();
-    });
+    connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
 
     setMinimumWidth(520);
     auto* layout = new QVBoxLayout(this);
@@ -366,16 +359,14 @@ void OPTIONS_DIALOG::on_accept()
     VELD_WINDOW_REGISTRY& registry = VELD_WINDOW_REGISTRY::instance();
     if (registry.holds(form_name(), VELD_FORM_TYPE::DIALOG, this))
         registry.close_form(form_name(), VELD_FORM_TYPE::DIALOG);
-    else if (QWidget* frame = parentWidget())
-        frame->close();
     else
-        close();
+        accept();
 }
 
 void OPTIONS_DIALOG::closeEvent(QCloseEvent* event)
 {
     unregister();
-    QDialog::closeEvent(event);
+    VELD_MDI_DIALOG::closeEvent(event);
 }
 
 void OPTIONS_DIALOG::unregister()

@@ -1,8 +1,8 @@
 #pragma once
 
+#include "veld_mdi_dialog.h"
 #include <QtCore/QVector>
 #include <QtGui/QColor>
-#include <QtWidgets/QDialog>
 
 class QCheckBox;
 class QPushButton;
@@ -13,7 +13,7 @@ class QPushButton;
 // refreshColours() reaches them.
 //
 // An MDI child of the main window, registered as "OPTIONS_FORM", type 10.
-class OPTIONS_DIALOG : public QDialog
+class OPTIONS_DIALOG : public VELD_MDI_DIALOG
 {
     Q_OBJECT
 

@@ -388,6 +388,38 @@ private slots:
         QCOMPARE(settings.value("auto_submit_lua").toBool(), false);
     }
 
+    // Escape or Cancel closes the window, frame and all, and forgets it; a
+    // hidden dialog in an empty frame would be raised by the next command.
+    void escape_closes_the_options_window_data()
+    {
+        QTest::addColumn<bool>("escape");
+        QTest::newRow("escape") << true;
+        QTest::newRow("cancel") << false;
+    }
+
+    void escape_closes_the_options_window()
+    {
+        QFETCH(bool, escape);
+        VELD_DATA session;
+        VELD_MAIN_WINDOW window(&session);
+        let_auto_connect_run(session);
+        window.show();
+        window.displayOptions();
+        QPointer<QMdiSubWindow> frame =
+            registry.find_form(OPTIONS_DIALOG::form_name(), VELD_FORM_TYPE::DIALOG);
+        QVERIFY(frame);
+        auto* options = qobject_cast<OPTIONS_DIALOG*>(frame->widget());
+        if (escape)
+            QTest::keyClick(options, Qt::Key_Escape);
+        else
+            options->findChild<QDialogButtonBox*>()->button(QDialogButtonBox::Cancel)->click();
+        QVERIFY(!registry.is_form_open(OPTIONS_DIALOG::form_name(), VELD_FORM_TYPE::DIALOG));
+        QTRY_VERIFY(!frame);
+        QVERIFY(window.ui().mdi_area->subWindowList().isEmpty());
+        // Nothing was stored.
+        QVERIFY(!ORBIN_SETTINGS(VELD_OPTIONS::organisation_path()).contains("tables/cell_back_is_default"));
+    }
+
     void options_read_what_is_stored()
     {
         {
