@@ -239,9 +239,11 @@ QMdiSubWindow* VELD_MAIN_WINDOW::open_table_schema_editor(const QString&, QStrin
 bool VELD_MAIN_WINDOW::close_forms_for_disconnect()
 {
     VELD_WINDOW_REGISTRY::instance().close_all_forms(false);
+    // Windows that never registered hold the same pointers.
+    m_ui.mdi_area->closeAllSubWindows();
     for (QMdiSubWindow* window : m_ui.mdi_area->subWindowList())
     {
-        if (window->isVisible())
+        if (!window->isHidden())
             return false;
     }
     return true;

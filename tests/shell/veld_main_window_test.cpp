@@ -29,6 +29,16 @@ public:
     void skip_save_question() override { skipped = true; }
 };
 
+// An editor whose user answers Cancel to its close question.
+class REFUSING_EDITOR : public QWidget
+{
+public:
+    bool refuse = true;
+
+protected:
+    void closeEvent(QCloseEvent* event) override { refuse ? event->ignore() : event->accept(); }
+};
+
 QString text_of(const QString& line)
 {
     return line.mid(line.indexOf(QStringLiteral("> ")) + 2);
@@ -325,6 +335,27 @@ private slots:
             QTRY_VERIFY(!form);
         }
         registry.unregister_form("TABLE_DATA_EDITOR", VELD_FORM_TYPE::LAUNCHER);
+    }
+
+    // Before the host disconnects the session under them, every window
+    // closes; one whose user keeps its edits stops the disconnect.
+    void forms_close_before_the_host_disconnects()
+    {
+        VELD_DATA session;
+        VELD_MAIN_WINDOW window(&session);
+        let_auto_connect_run(session);
+        auto* editor = new REFUSING_EDITOR;
+        QPointer<QMdiSubWindow> kept = add_form(window, editor, "units", VELD_FORM_TYPE::TABLE_DATA_EDITOR);
+        QPointer<QMdiSubWindow> unregistered = window.ui().mdi_area->addSubWindow(new QWidget);
+        unregistered->setAttribute(Qt::WA_DeleteOnClose);
+        unregistered->show();
+        QVERIFY(!window.close_forms_for_disconnect());
+        QVERIFY(kept && !kept->isHidden());
+        QTRY_VERIFY(!unregistered);
+        editor->refuse = false;
+        QVERIFY(window.close_forms_for_disconnect());
+        QTRY_VERIFY(!kept);
+        registry.unregister_form("units", VELD_FORM_TYPE::TABLE_DATA_EDITOR);
     }
 
     void table_launcher_needs_a_connection()
