@@ -12,6 +12,7 @@
 #include "veld_form_type.h"
 #include "veld_merge_logs.h"
 #include "veld_options.h"
+#include "veld_table_launcher.h"
 #include "veld_window_registry.h"
 
 #include <QtConcurrent/QtConcurrent>
@@ -584,12 +585,17 @@ void VELD_MAIN_WINDOW::open_table_launcher(int mode)
         statusbarUpdate(QStringLiteral("Connect to the database first"));
         return;
     }
-    if (VELD_WINDOW_REGISTRY::instance().is_form_open(QStringLiteral("TABLE_DATA_EDITOR"), types[mode]))
+    if (VELD_WINDOW_REGISTRY::instance().is_form_open(VELD_TABLE_LAUNCHER::form_name(), types[mode]))
     {
         statusbarUpdate(QStringLiteral("The table launcher form is already open"));
         return;
     }
-    statusbarUpdate(QStringLiteral("The table launcher is not available in this build"));
+    auto* launcher = new VELD_TABLE_LAUNCHER(m_session, this, mode);
+    add_form(launcher, VELD_TABLE_LAUNCHER::form_name(), launcher->registry_kind());
+    connect(this, SIGNAL(refreshDialogColours()), launcher, SLOT(refreshColours()));
+    connect(this, SIGNAL(connectionEstablished()), launcher, SLOT(connectionEstablished()));
+    connect(launcher, SIGNAL(refresh_all_table_lists()), this, SLOT(refreshAllTableListsProxy()));
+    connect(this, SIGNAL(refreshAllTableLists()), launcher, SLOT(refresh_table_list()));
 }
 
 // --- Commands whose windows come later

@@ -5,11 +5,13 @@
 #include "project_paths.h"
 #include "quill_host_options.h"
 #include "scripted_prompt.h"
+#include "test_database_builder.h"
 #include "test_folder.h"
 #include "veld_connection.h"
 #include "veld_data.h"
 #include "veld_form_type.h"
 #include "veld_main_window.h"
+#include "veld_table_launcher.h"
 #include "veld_window_registry.h"
 
 #include <QtTest/QtTest>
@@ -45,7 +47,9 @@ private slots:
         folder = std::make_unique<TEST_FOLDER>();
         const QString binaries = QFileInfo(folder->make_folder("game/bin")).canonicalFilePath();
         database = binaries + "/db";
-        QCOMPARE(KOR_XML_QUERY_INTERFACE::create_empty_database(database), QString());
+        TEST_DATABASE_BUILDER builder(database);
+        builder.table("units", {TEST_FIELD::key("key")}).record("units", {{"key", "archer"}});
+        QVERIFY2(builder.ok(), qPrintable(builder.error()));
         LIBRARY_PROXY::PROJECT_PATHS paths = LIBRARY_PROXY::PROJECT_PATHS::none();
         paths.binaries_path = binaries;
         LIBRARY_PROXY::PROJECT_PATHS::set_current(paths);
@@ -118,39 +122,38 @@ private slots:
 
     // Each launcher mode is its own form type, so the three can be open
     // side by side; a second of one mode is refused.
-    void launcher_modes_are_told_apart_data()
+    void launchers_of_the_three_modes_open_side_by_side()
     {
-        QTest::addColumn<int>("open_type");
-        QTest::addColumn<int>("refused_mode");
-        QTest::newRow("edit data") << int(VELD_FORM_TYPE::LAUNCHER) << 0;
-        QTest::newRow("edit schema") << int(VELD_FORM_TYPE::TABLE_LAUNCHER_SCHEMA_MODE) << 1;
-        QTest::newRow("remove schema") << int(VELD_FORM_TYPE::TABLE_LAUNCHER_REMOVAL_MODE) << 2;
-    }
-
-    void launcher_modes_are_told_apart()
-    {
-        QFETCH(int, open_type);
-        QFETCH(int, refused_mode);
         VELD_DATA session;
         VELD_MAIN_WINDOW window(&session);
         QTRY_VERIFY(session.is_connected());
-        QMdiSubWindow* open = window.ui().mdi_area->addSubWindow(new QWidget);
-        QString error;
-        QVERIFY(registry.register_form(error, "TABLE_DATA_EDITOR", open_type, open));
-
         const std::function<void()> commands[] = {[&] { window.tableLauncherOpen(false); },
                                                   [&] { window.editTableSchema(); },
                                                   [&] { window.removeTableSchema(); }};
+        const int types[] = {VELD_FORM_TYPE::LAUNCHER, VELD_FORM_TYPE::TABLE_LAUNCHER_SCHEMA_MODE,
+                             VELD_FORM_TYPE::TABLE_LAUNCHER_REMOVAL_MODE};
         for (int mode = 0; mode < 3; ++mode)
         {
             commands[mode]();
-            if (mode == refused_mode)
-                QCOMPARE(last_status(window), QStringLiteral("The table launcher form is already open"));
-            else
-                QVERIFY2(last_status(window) != QStringLiteral("The table launcher form is already open"),
-                         qPrintable(QString::number(mode)));
+            QVERIFY(registry.is_form_open(VELD_TABLE_LAUNCHER::form_name(), types[mode]));
         }
-        QVERIFY(registry.unregister_form(error, "TABLE_DATA_EDITOR", open_type));
+        QCOMPARE(window.ui().mdi_area->subWindowList().size(), 3);
+        for (int mode = 0; mode < 3; ++mode)
+        {
+            commands[mode]();
+            QCOMPARE(last_status(window), QStringLiteral("The table launcher form is already open"));
+        }
+        QCOMPARE(window.ui().mdi_area->subWindowList().size(), 3);
+
+        // The launcher lists the tables and opens them through the main window.
+        auto* launcher = qobject_cast<VELD_TABLE_LAUNCHER*>(
+            registry.find_form(VELD_TABLE_LAUNCHER::form_name(), VELD_FORM_TYPE::LAUNCHER)->widget());
+        QCOMPARE(launcher->table_list()->model()->rowCount(), 1);
+        launcher->launch_table("units", false);
+        QCOMPARE(last_status(window), QStringLiteral("The table data editor is not available in this build"));
+
+        window.forceDisconnectDatabase();
+        QTRY_COMPARE(registry.form_count(), 0);
     }
 
     // The full configuration's connect command opens the connection dialog.
