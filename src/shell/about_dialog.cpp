@@ -28,6 +28,8 @@ ABOUT_DIALOG::ABOUT_DIALOG(QWidget* parent) : VELD_MDI_DIALOG(parent)
     m_version = new QLCDNumber(this);
     m_version->setObjectName(QStringLiteral("versionNumber"));
     m_version->setSegmentStyle(QLCDNumber::Flat);
+    m_version->setDigitCount(4);
+    m_version->setMinimumSize(90, 40);
     {
         // The format version is the engine's; it needs no database.
         const KOR_XML_QUERY_INTERFACE probe(nullptr, QString(), false, false);

@@ -78,6 +78,7 @@ OPTIONS_DIALOG::OPTIONS_DIALOG(QWidget* parent) : VELD_MDI_DIALOG(parent)
             grid->addWidget(apply_button, line++, 2);
         }
         grid->setRowStretch(line, 1);
+        grid->setColumnStretch(0, 1);
         tabs->addTab(page, title);
         return grid;
     };

@@ -37,6 +37,7 @@ VELD_CONNECTION::VELD_CONNECTION(VELD_DATA* session, QWidget* parent)
     layout->addWidget(m_main_combo, 0, 1);
     m_main_button = new QPushButton(QStringLiteral("..."), this);
     m_main_button->setObjectName(QStringLiteral("mainDatabaseNavigate"));
+    m_main_button->setFixedWidth(32);
     layout->addWidget(m_main_button, 0, 2);
 
     m_mirror_group = new QGroupBox(QStringLiteral("Mirror Changes In"), this);
@@ -52,6 +53,7 @@ VELD_CONNECTION::VELD_CONNECTION(VELD_DATA* session, QWidget* parent)
         m_mirror_combos[mirror]->setEnabled(false);
         m_mirror_buttons[mirror] = new QPushButton(QStringLiteral("..."), m_mirror_group);
         m_mirror_buttons[mirror]->setObjectName(QStringLiteral("mirror%1Navigate").arg(number));
+        m_mirror_buttons[mirror]->setFixedWidth(32);
         m_mirror_buttons[mirror]->setEnabled(false);
         // Only the first mirror can be ticked until the one before is.
         m_mirror_checks[mirror]->setEnabled(mirror == 0);
@@ -59,11 +61,13 @@ VELD_CONNECTION::VELD_CONNECTION(VELD_DATA* session, QWidget* parent)
         mirrors->addWidget(m_mirror_combos[mirror], mirror, 1);
         mirrors->addWidget(m_mirror_buttons[mirror], mirror, 2);
     }
+    mirrors->setColumnStretch(1, 1);
+    layout->setColumnStretch(1, 1);
     layout->addWidget(m_mirror_group, 1, 0, 1, 3);
 
     m_connect_button = new QPushButton(QStringLiteral("Connect"), this);
     m_connect_button->setObjectName(QStringLiteral("connectButton"));
-    layout->addWidget(m_connect_button, 2, 2);
+    layout->addWidget(m_connect_button, 2, 1, 1, 2, Qt::AlignRight);
 
     connect(m_main_button, SIGNAL(clicked()), this, SLOT(onMainDatabaseNavigate()));
     connect(m_mirror_buttons[0], SIGNAL(clicked()), this, SLOT(onMirror1DatabaseNavigate()));
