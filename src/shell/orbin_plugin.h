@@ -2,14 +2,16 @@
 
 #include "app_extension_plugin_interface.h"
 #include "database_editor_plugin_interface.h"
+#include "veld_data.h"
 
 #include <memory>
 
 class QWidget;
 
-// ORBIN's face to the host: the one action that opens the editor's window.
-// Until the application shell is in, the window only shows the project the
-// host gave (or that none is configured), and there is no database to offer.
+// ORBIN's face to the host: the one action that opens the editor's main
+// window, and the database the host (and other plugins through it) may ask
+// for. It owns the one session for the life of the plugin; every window it
+// makes is handed to the host, which owns it from then on.
 class ORBIN_PLUGIN : public DATABASE_EDITOR_PLUGIN_INTERFACE, public APP_EXTENSION_PLUGIN_INTERFACE
 {
     Q_OBJECT
@@ -31,7 +33,12 @@ public:
 
 public slots:
     void open_VELD();
+    void orbin_disconnected();
+    void orbin_connected();
 
 private:
+    void report_failed_connect(const QString& error);
+
     std::weak_ptr<QWidget> m_main_window;
+    VELD_DATA m_session;
 };
