@@ -24,7 +24,7 @@ FilteredDropdownComboBox::FilteredDropdownComboBox(QWidget* parent)
     connect(lineEdit(), &QLineEdit::editingFinished, this, [this]() {
         // While the narrowed popup is open the completer decides; resolving
         // now would undo the row the user is about to pick.
-        if (!m_completer->popup()->isVisible())
+        if (!m_completer->popup()->isVisible() && lineEdit()->isModified())
             resolve_typed_text();
     });
 }
@@ -85,7 +85,7 @@ int FilteredDropdownComboBox::resolve_typed_text()
 void FilteredDropdownComboBox::focusOutEvent(QFocusEvent* event)
 {
     // Focus moving into the narrowed popup is part of typing, not its end.
-    if (!m_completer->popup()->isVisible())
+    if (!m_completer->popup()->isVisible() && lineEdit()->isModified())
         resolve_typed_text();
     QComboBox::focusOutEvent(event);
 }

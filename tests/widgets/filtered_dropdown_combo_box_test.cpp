@@ -103,6 +103,35 @@ private slots:
         QCOMPARE(box.currentData().toString(), QString("value:Orc"));
     }
 
+    void text_set_by_code_is_not_resolved_when_focus_leaves()
+    {
+        QWidget window;
+        auto* box = new FilteredDropdownComboBox(&window);
+        auto* other = new QLineEdit(&window);
+        fill(*box, {"Goblin", "Hobgoblin"});
+        window.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&window));
+        window.activateWindow();
+        box->setCurrentIndex(-1);
+        box->lineEdit()->setText("gob"); // e.g. a value the list does not offer
+        box->setFocus();
+        QTRY_VERIFY(box->hasFocus());
+        other->setFocus();
+        QTRY_VERIFY(other->hasFocus());
+        QCOMPARE(box->currentIndex(), -1);
+        QCOMPARE(box->lineEdit()->text(), QString("gob"));
+
+        // Typed by the user, it is resolved.
+        box->setFocus();
+        QTRY_VERIFY(box->hasFocus());
+        box->lineEdit()->clear();
+        QTest::keyClicks(box->lineEdit(), "hobg");
+        box->narrowing_completer()->popup()->hide();
+        other->setFocus();
+        QTRY_VERIFY(other->hasFocus());
+        QCOMPARE(box->currentIndex(), 1);
+    }
+
     void picking_from_the_narrowed_popup_chooses_the_full_list_row()
     {
         FilteredDropdownComboBox box;
