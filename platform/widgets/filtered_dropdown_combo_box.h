@@ -37,6 +37,11 @@ public:
 
     QCompleter* narrowing_completer() const { return m_completer; }
 
+    // One Return in the narrowed popup both chooses and ends the editing:
+    // the highlighted row (or the typed text resolved) becomes current, and
+    // the key goes on to the box, where an item view's editor commits.
+    bool eventFilter(QObject* watched, QEvent* event) override;
+
 protected:
     void focusOutEvent(QFocusEvent* event) override;
 
