@@ -225,6 +225,13 @@ void VELD_FROZEN_COLUMNS_TABLE::resizeEvent(QResizeEvent* event)
     update_frozen_geometry();
 }
 
+void VELD_FROZEN_COLUMNS_TABLE::updateGeometries()
+{
+    QTableView::updateGeometries();
+    if (m_frozen_view)
+        update_frozen_geometry();
+}
+
 QModelIndex VELD_FROZEN_COLUMNS_TABLE::moveCursor(CursorAction cursor_action, Qt::KeyboardModifiers modifiers)
 {
     const QModelIndex current = QTableView::moveCursor(cursor_action, modifiers);

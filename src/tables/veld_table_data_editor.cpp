@@ -795,6 +795,7 @@ void VELD_TABLE_DATA_EDITOR::addFilterWidget()
     connect(widget, &VELD_RegexFilterWidget::removeRequest, this, &VELD_TABLE_DATA_EDITOR::removeFilterWidget);
     connect(widget, &VELD_RegexFilterWidget::filterChanged, this, &VELD_TABLE_DATA_EDITOR::onFilterChanged);
     widget->show();
+    m_ui.fit_filter_panels();
     m_proxy.invalidate();
 }
 
@@ -804,6 +805,7 @@ void VELD_TABLE_DATA_EDITOR::removeFilterWidget(VELD_RegexFilterWidget* widget)
         return;
     m_ui.filterRows->removeWidget(widget);
     widget->hide();
+    m_ui.fit_filter_panels();
     // The row asked for its own removal from one of its slots: it goes once
     // that returns.
     widget->deleteLater();
@@ -821,6 +823,7 @@ void VELD_TABLE_DATA_EDITOR::addComboFilterWidget()
     m_ui.dropdownFilterRows->addWidget(widget);
     connect(widget, &VELD_RegexFilterWidget::removeRequest, this, &VELD_TABLE_DATA_EDITOR::removeComboFilterWidget);
     widget->show();
+    m_ui.fit_filter_panels();
     m_proxy.invalidate();
 }
 
@@ -830,6 +833,7 @@ void VELD_TABLE_DATA_EDITOR::removeComboFilterWidget(VELD_RegexFilterWidget* wid
         return;
     m_ui.dropdownFilterRows->removeWidget(widget);
     widget->hide();
+    m_ui.fit_filter_panels();
     widget->deleteLater();
 }
 

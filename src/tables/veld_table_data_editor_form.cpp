@@ -10,6 +10,8 @@
 #include <QIcon>
 #include <QLabel>
 #include <QPushButton>
+#include <QScrollArea>
+#include <QScrollBar>
 #include <QSplitter>
 #include <QToolButton>
 #include <QVBoxLayout>
@@ -40,6 +42,42 @@ QComboBox* combo(QWidget* parent, const char* object_name, const QStringList& it
 }
 } // namespace
 
+void VELD_TABLE_DATA_EDITOR_FORM::fit_filter_panels()
+{
+    if (!filtersSplitter)
+        return;
+    auto wanted = [](QScrollArea* area, QWidget* panel) {
+        int height = panel->sizeHint().height() + 2 * area->frameWidth();
+        if (area->horizontalScrollBar()->isVisible() || panel->sizeHint().width() > area->viewport()->width())
+            height += area->horizontalScrollBar()->sizeHint().height();
+        return height;
+    };
+    const int filters = wanted(filtersScroll, filtersPanel);
+    const int dropdown_filters = wanted(dropdownFiltersScroll, dropdownFiltersPanel);
+    // Neither panel takes room its rows do not need.
+    filtersScroll->setMaximumHeight(filters);
+    dropdownFiltersScroll->setMaximumHeight(dropdown_filters);
+    const int panels = filters + dropdown_filters + 6;
+    const QList<int> sizes = filtersSplitter->sizes();
+    const int total = sizes.value(0) + sizes.value(1);
+    if (total <= 0)
+    {
+        filtersSplitter->setSizes({panels, 500});
+        return;
+    }
+    const int top = qMin(panels, total / 2);
+    filtersSplitter->setSizes({top, total - top});
+}
+
+QScrollArea* VELD_TABLE_DATA_EDITOR_FORM::scrolling(QWidget* panel)
+{
+    auto* area = new QScrollArea;
+    area->setWidget(panel);
+    area->setWidgetResizable(true);
+    area->setFrameShape(QFrame::NoFrame);
+    return area;
+}
+
 QGroupBox* VELD_TABLE_DATA_EDITOR_FORM::filter_panel(QWidget* parent, const QString& title,
                                                      QToolButton*& add_button, QVBoxLayout*& rows)
 {
@@ -57,13 +95,14 @@ QGroupBox* VELD_TABLE_DATA_EDITOR_FORM::filter_panel(QWidget* parent, const QStr
     rows = new QVBoxLayout;
     rows->setSpacing(0);
     layout->addLayout(rows);
+    layout->addStretch(1);
     return panel;
 }
 
 void VELD_TABLE_DATA_EDITOR_FORM::setup(QDialog* dialog)
 {
     dialog->setObjectName(QStringLiteral("tableDataEditorForm"));
-    dialog->resize(980, 640);
+    dialog->resize(1180, 720);
     auto* main_layout = new QVBoxLayout(dialog);
     main_layout->setContentsMargins(6, 6, 6, 6);
 
@@ -158,27 +197,47 @@ void VELD_TABLE_DATA_EDITOR_FORM::setup(QDialog* dialog)
     dates->addStretch(1);
     main_layout->addWidget(modificationFrame);
 
-    // The two filter panels side by side, then their expression texts.
-    auto* panels = new QHBoxLayout;
-    filtersPanel = filter_panel(dialog, QStringLiteral("Filters"), addFilterButton, filterRows);
+    // The two filter panels side by side above the table; the user moves the
+    // splitters to give the rows or the table more room, and many filter rows
+    // scroll.
+    auto* splitter = new QSplitter(Qt::Vertical, dialog);
+    splitter->setObjectName(QStringLiteral("filtersSplitter"));
+    splitter->setChildrenCollapsible(false);
+    // The panels one above the other: a filter row needs the window's width.
+    auto* panels = new QWidget(splitter);
+    auto* panels_layout = new QVBoxLayout(panels);
+    panels_layout->setContentsMargins(0, 0, 0, 0);
+    filtersPanel = filter_panel(panels, QStringLiteral("Filters"), addFilterButton, filterRows);
     filtersPanel->setObjectName(QStringLiteral("filtersPanel"));
-    dropdownFiltersPanel = filter_panel(dialog, QStringLiteral("Dropdown Filters"), addDropdownFilterButton,
+    dropdownFiltersPanel = filter_panel(panels, QStringLiteral("Dropdown Filters"), addDropdownFilterButton,
                                         dropdownFilterRows);
     dropdownFiltersPanel->setObjectName(QStringLiteral("dropdownFiltersPanel"));
-    panels->addWidget(filtersPanel, 3);
-    panels->addWidget(dropdownFiltersPanel, 2);
-    main_layout->addLayout(panels);
-    filterExpression = new QLabel(dialog);
+    filtersScroll = scrolling(filtersPanel);
+    dropdownFiltersScroll = scrolling(dropdownFiltersPanel);
+    panels_layout->addWidget(filtersScroll, 1);
+    panels_layout->addWidget(dropdownFiltersScroll, 1);
+
+    auto* table_area = new QWidget(splitter);
+    auto* table_layout = new QVBoxLayout(table_area);
+    table_layout->setContentsMargins(0, 0, 0, 0);
+    filterExpression = new QLabel(table_area);
     filterExpression->setObjectName(QStringLiteral("filterExpression"));
     filterExpression->setTextInteractionFlags(Qt::TextSelectableByMouse);
-    filterWarning = new QLabel(dialog);
+    filterWarning = new QLabel(table_area);
     filterWarning->setObjectName(QStringLiteral("filterWarning"));
     filterWarning->setStyleSheet(QStringLiteral("color: #B00000;"));
     auto* expression = new QHBoxLayout;
     expression->addWidget(filterExpression, 1);
     expression->addWidget(filterWarning);
-    main_layout->addLayout(expression);
-
+    table_layout->addLayout(expression);
     view_place = new QVBoxLayout;
-    main_layout->addLayout(view_place, 1);
+    table_layout->addLayout(view_place, 1);
+
+    splitter->addWidget(panels);
+    splitter->addWidget(table_area);
+    splitter->setStretchFactor(0, 0);
+    splitter->setStretchFactor(1, 1);
+    filtersSplitter = splitter;
+    main_layout->addWidget(splitter, 1);
+    fit_filter_panels();
 }

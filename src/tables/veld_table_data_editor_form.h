@@ -11,6 +11,8 @@ class QGridLayout;
 class QGroupBox;
 class QLabel;
 class QPushButton;
+class QScrollArea;
+class QSplitter;
 class QToolButton;
 class QVBoxLayout;
 class QWidget;
@@ -63,8 +65,16 @@ public:
     QVBoxLayout* dropdownFilterRows = nullptr;
 
     QVBoxLayout* view_place = nullptr;
+    QSplitter* filtersSplitter = nullptr;
+    QScrollArea* filtersScroll = nullptr;
+    QScrollArea* dropdownFiltersScroll = nullptr;
+
+    // Gives the filter panels the height their rows need, up to half the
+    // room they share with the table.
+    void fit_filter_panels();
 
 private:
+    static QScrollArea* scrolling(QWidget* panel);
     static QGroupBox* filter_panel(QWidget* parent, const QString& title, QToolButton*& add_button,
                                    QVBoxLayout*& rows);
 };

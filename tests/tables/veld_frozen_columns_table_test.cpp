@@ -191,6 +191,19 @@ private slots:
         QCOMPARE(descriptions.first().first().toInt(), column);
     }
 
+    void the_overlay_follows_a_widening_row_header()
+    {
+        VELD_FROZEN_COLUMNS_TABLE view(&m_model);
+        view.resize(500, 300);
+        view.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&view));
+        choose_from_header_menu(view, false, 2, "Freeze Column");
+        const int narrow = view.verticalHeader()->width();
+        m_model.setVerticalHeaderItem(29, new QStandardItem("29 new and much longer"));
+        QTRY_VERIFY(view.verticalHeader()->width() > narrow);
+        QTRY_COMPARE(view.frozen_view()->x(), view.verticalHeader()->width() + view.frameWidth());
+    }
+
     void a_model_reset_keeps_the_overlay_to_the_frozen_columns()
     {
         VELD_FROZEN_COLUMNS_TABLE view(&m_model);
