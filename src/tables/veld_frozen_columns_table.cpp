@@ -73,6 +73,9 @@ void VELD_FROZEN_COLUMNS_TABLE::setModel(QAbstractItemModel* model)
     m_frozen_view->setSelectionModel(selectionModel());
     if (model)
     {
+        // The indicator first: enabling sorting sorts the shared model by it,
+        // and a table of a million rows must be sorted once, not twice.
+        m_frozen_view->horizontalHeader()->setSortIndicator(0, Qt::AscendingOrder);
         m_frozen_view->setSortingEnabled(true);
         m_frozen_view->sortByColumn(0, Qt::AscendingOrder);
         if (model->columnCount() > 0)

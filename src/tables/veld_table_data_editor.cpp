@@ -146,6 +146,9 @@ bool VELD_TABLE_DATA_EDITOR::open(QString& error)
         connect(&m_model, SIGNAL(transactionApplied(QStringList)), m_main_window,
                 SIGNAL(transactionApplied(QStringList)));
 
+    // Enabling sorting sorts by the indicator: the same order the overlay
+    // sorted by, so the shared model is not sorted again.
+    m_view->horizontalHeader()->setSortIndicator(0, Qt::AscendingOrder);
     m_view->setSortingEnabled(true);
     m_view->setAlternatingRowColors(true);
     m_ui.applyButton->setEnabled(!m_read_only);
@@ -181,7 +184,8 @@ bool VELD_TABLE_DATA_EDITOR::open(QString& error)
     restoreTableLayout();
     restoreModificationDates();
     build_context_menu();
-    m_proxy.invalidate();
+    // No filter row nor date filter is on yet: the freshly sorted proxy holds
+    // what an invalidation would give, without sorting a large table again.
     show_counts();
     m_opened = true;
     return true;
