@@ -208,7 +208,10 @@ void VELD_FROZEN_COLUMNS_TABLE::moveColumns2(int logical, int from, int to)
 
 void VELD_FROZEN_COLUMNS_TABLE::edit_activated()
 {
-    edit(currentIndex());
+    // QAbstractItemView::edit(index) opens an editor whatever the triggers;
+    // a view that allows no editing (a read-only table) must not.
+    if (editTriggers() != QAbstractItemView::NoEditTriggers)
+        edit(currentIndex());
 }
 
 void VELD_FROZEN_COLUMNS_TABLE::updateSectionWidth(int logicalIndex, int, int newSize)
