@@ -3,7 +3,8 @@
 #include "kor_field_data.h"
 #include "kor_record_data.h"
 
-RECORDING_QUERY_INTERFACE::RECORDING_QUERY_INTERFACE() : KOR_XML_QUERY_INTERFACE(nullptr, QString(), false, false)
+RECORDING_QUERY_INTERFACE::RECORDING_QUERY_INTERFACE()
+    : KOR_XML_QUERY_INTERFACE(nullptr, QString(), false, false)
 {
 }
 
@@ -51,7 +52,8 @@ QString RECORDING_QUERY_INTERFACE::remove_record(const QString& table_name, cons
     return KOR_XML_QUERY_INTERFACE::remove_record(table_name, record);
 }
 
-QString RECORDING_QUERY_INTERFACE::edit_record_data(const QString& table_name, const KOR_RECORD_DATA* old_record,
+QString RECORDING_QUERY_INTERFACE::edit_record_data(const QString& table_name,
+                                                    const KOR_RECORD_DATA* old_record,
                                                     const KOR_RECORD_DATA* new_record)
 {
     QString line = QStringLiteral("edit ") + (old_record ? old_record->key() : QString());
@@ -84,7 +86,8 @@ QString RECORDING_QUERY_INTERFACE::set_field_description(const QString& table_na
 }
 
 bool RECORDING_QUERY_INTERFACE::get_field_lookup_value(QString& error, QString& out,
-                                                       const KOR_FIELD_SCHEMA* field_schema, const QVariant& value)
+                                                       const KOR_FIELD_SCHEMA* field_schema,
+                                                       const QVariant& value)
 {
     ++lookup_calls;
     return KOR_XML_QUERY_INTERFACE::get_field_lookup_value(error, out, field_schema, value);

@@ -30,8 +30,8 @@ public:
     QString edit_record_data(const QString& table_name, const KOR_RECORD_DATA* old_record,
                              const KOR_RECORD_DATA* new_record) override;
     QString add_record(const QString& table_name, const KOR_RECORD_DATA* record) override;
-    QString set_field_description(const QString& table_name, const QString& field_name, const QUuid& field_uuid,
-                                  const QString& description) override;
+    QString set_field_description(const QString& table_name, const QString& field_name,
+                                  const QUuid& field_uuid, const QString& description) override;
     bool get_field_lookup_value(QString& error, QString& out, const KOR_FIELD_SCHEMA* field_schema,
                                 const QVariant& value) override;
 

@@ -38,6 +38,11 @@ public:
     QString value_on_disk(const QString& table, const QString& key, const QString& field) const;
     int record_count_on_disk(const QString& table) const;
 
+    // Rewrites the modification times of a table's records on disk, in key
+    // order ("" for a record without one, else "YYYY-MM-DDThh:mm:ss.zzzZ"),
+    // and connects again.
+    bool set_modification_times(const QString& table, const QStringList& times);
+
 private:
     QTemporaryDir m_folder;
     QString m_path;

@@ -42,45 +42,51 @@ void VELD_FIELD_VALUE_VALIDATOR_TEST::validates_by_type_data()
     QTest::newRow("yesno TRUE") << 1 << false << "TRUE" << true << QVariant(true) << "";
     QTest::newRow("yesno fAlSe") << 1 << false << "fAlSe" << true << QVariant(false) << "";
     QTest::newRow("yesno with line break") << 1 << false << "tr\nue" << true << QVariant(true) << "";
-    QTest::newRow("yesno yes") << 1 << false << "yes" << false << QVariant() << "Not a valid boolean value: yes";
+    QTest::newRow("yesno yes") << 1 << false << "yes" << false << QVariant()
+                               << "Not a valid boolean value: yes";
     QTest::newRow("yesno 2") << 1 << false << "2" << false << QVariant() << "Not a valid boolean value: 2";
 
-    QTest::newRow("integer lowest") << 2 << false << "-2147483648" << true << QVariant(int(-2147483647 - 1)) << "";
+    QTest::newRow("integer lowest") << 2 << false << "-2147483648" << true << QVariant(int(-2147483647 - 1))
+                                    << "";
     QTest::newRow("integer highest") << 2 << false << "2147483647" << true << QVariant(2147483647) << "";
     QTest::newRow("integer too big") << 2 << false << "2147483648" << false << QVariant()
                                      << "Not a valid integer value: 2147483648";
     QTest::newRow("integer letters") << 2 << false << "12a" << false << QVariant()
                                      << "Not a valid integer value: 12a";
-    QTest::newRow("integer fraction") << 2 << false << "1.5" << false << QVariant()
-                                      << "Not a valid integer value: 1.5";
+    QTest::newRow("integer fraction")
+        << 2 << false << "1.5" << false << QVariant() << "Not a valid integer value: 1.5";
     QTest::newRow("integer empty") << 2 << false << "" << true << QVariant() << "";
-    QTest::newRow("integer empty required") << 2 << true << "\n" << false << QVariant()
-                                            << "Not a valid integer value: ";
+    QTest::newRow("integer empty required") << 2 << true << "\n"
+                                            << false << QVariant() << "Not a valid integer value: ";
     QTest::newRow("integer split by CR LF") << 2 << false << "1\r\n2" << true << QVariant(12) << "";
 
     QTest::newRow("unsigned zero") << 3 << false << "0" << true << QVariant(0) << "";
-    QTest::newRow("unsigned negative") << 3 << false << "-1" << false << QVariant()
-                                       << "Not a valid unsigned integer value: -1";
+    QTest::newRow("unsigned negative")
+        << 3 << false << "-1" << false << QVariant() << "Not a valid unsigned integer value: -1";
     QTest::newRow("unsigned empty") << 3 << false << "" << false << QVariant()
                                     << "Not a valid unsigned integer value: ";
 
     QTest::newRow("single") << 4 << false << "1.5" << true << QVariant(1.5f) << "";
-    QTest::newRow("single letters") << 4 << false << "x" << false << QVariant() << "Not a valid float value: x";
+    QTest::newRow("single letters") << 4 << false << "x" << false << QVariant()
+                                    << "Not a valid float value: x";
     QTest::newRow("double") << 5 << false << "-2.25" << true << QVariant(-2.25) << "";
     QTest::newRow("double empty") << 5 << false << "" << false << QVariant() << "Not a valid double value: ";
     QTest::newRow("decimal as double") << 6 << false << "3" << true << QVariant(3.0) << "";
-    QTest::newRow("decimal letters") << 6 << false << "3x" << false << QVariant() << "Not a valid double value: 3x";
+    QTest::newRow("decimal letters") << 6 << false << "3x" << false << QVariant()
+                                     << "Not a valid double value: 3x";
 
-    QTest::newRow("text keeps blanks, drops line breaks") << 7 << false << " a\r\nb " << true
-                                                          << QVariant(QStringLiteral(" ab ")) << "";
+    QTest::newRow("text keeps blanks, drops line breaks")
+        << 7 << false << " a\r\nb " << true << QVariant(QStringLiteral(" ab ")) << "";
     QTest::newRow("autonumber") << 8 << false << "5" << false << QVariant()
                                 << "You cannot update autonumber values!";
     QTest::newRow("date-time") << 9 << false << "2020-01-01" << false << QVariant()
                                << "Date-time values not yet supported in this front end";
-    QTest::newRow("unique id") << 10 << false << "5" << false << QVariant() << "You cannot update unique id values!";
+    QTest::newRow("unique id") << 10 << false << "5" << false << QVariant()
+                               << "You cannot update unique id values!";
     // The card64 range accepts nothing: such cells are not changed by hand.
     QTest::newRow("card64") << 11 << false << "5" << false << QVariant() << "Not a valid card64 value: 5";
-    QTest::newRow("card64 zero") << 11 << false << "0" << false << QVariant() << "Not a valid card64 value: 0";
+    QTest::newRow("card64 zero") << 11 << false << "0" << false << QVariant()
+                                 << "Not a valid card64 value: 0";
     QTest::newRow("type outside the enumeration") << 12 << false << "5" << false << QVariant() << "";
     QTest::newRow("no type") << 0 << false << "5" << false << QVariant() << "";
 }
@@ -122,9 +128,11 @@ void VELD_FIELD_VALUE_VALIDATOR_TEST::relationship_text_data()
     QTest::addColumn<bool>("referenced");
     QTest::addColumn<QString>("text");
 
-    QTest::newRow("plain field") << "" << false << 0 << false << "<b>Field</b> field  has no lookups or relationships";
-    QTest::newRow("description only") << "Hit points" << false << 0 << false
-                                      << "<b>Field</b> field <br><br>Hit points<br> has no lookups or relationships";
+    QTest::newRow("plain field") << "" << false << 0 << false
+                                 << "<b>Field</b> field  has no lookups or relationships";
+    QTest::newRow("description only")
+        << "Hit points" << false << 0 << false
+        << "<b>Field</b> field <br><br>Hit points<br> has no lookups or relationships";
     QTest::newRow("foreign key with one lookup field")
         << "" << true << 1 << false
         << "<b>Field</b> field <br>... depends on:<br>  <i>Units.Unit_Key</i><br>"
@@ -137,7 +145,8 @@ void VELD_FIELD_VALUE_VALIDATOR_TEST::relationship_text_data()
         << "Key" << false << 0 << true
         << "<b>Field</b> field <br><br>Key<br><br>... is a dependency of:<br>  <i>Armies.Leader</i><br>"
            "  <i>Armies.Second</i><br>  <i>Towns.Governor</i><br>"
-           "<br>... looked up by:<br>  <i>Armies</i>.{<i>Leader:Second</i>}<br>  <i>Towns</i>.<i>Governor</i><br>";
+           "<br>... looked up by:<br>  <i>Armies</i>.{<i>Leader:Second</i>}<br>  "
+           "<i>Towns</i>.<i>Governor</i><br>";
 }
 
 void VELD_FIELD_VALUE_VALIDATOR_TEST::relationship_text()
@@ -153,12 +162,14 @@ void VELD_FIELD_VALUE_VALIDATOR_TEST::relationship_text()
         field.add_dependency(QStringLiteral("Units"), QStringLiteral("Unit_Key"));
     if (lookup_fields > 0)
     {
-        const QStringList names = QStringList{QStringLiteral("Name"), QStringLiteral("Class")}.mid(0, lookup_fields);
+        const QStringList names =
+            QStringList{QStringLiteral("Name"), QStringLiteral("Class")}.mid(0, lookup_fields);
         QVERIFY(field.set_metafield_value(KMF_LOOKUP_FIELDS, QVariant(names)));
     }
     if (referenced)
     {
-        const QList<QPair<QString, QString>> users{{"Armies", "Leader"}, {"Armies", "Second"}, {"Towns", "Governor"}};
+        const QList<QPair<QString, QString>> users{
+            {"Armies", "Leader"}, {"Armies", "Second"}, {"Towns", "Governor"}};
         field.set_dependents(users);
         field.set_looked_up_by(users);
     }

@@ -93,9 +93,8 @@ QString shape(const QList<VELD_FILTER_NODE>& nodes)
 // i when bit i of `bits` is set, and nothing otherwise.
 bool accepts(const VELD_FILTER_TREE& tree, int bits)
 {
-    return tree.accepts([bits](int column) {
-        return (bits >> column) & 1 ? QString(QChar('a' + column)) : QString();
-    });
+    return tree.accepts(
+        [bits](int column) { return (bits >> column) & 1 ? QString(QChar('a' + column)) : QString(); });
 }
 } // namespace
 
@@ -124,15 +123,15 @@ void VELD_FILTER_TREE_TEST::evaluates_left_to_right_data()
     QTest::addColumn<QString>("truth");
 
     QTest::newRow("and then or is (a AND b) OR c") << "a&b|c"
-                                                 << "00011111";
+                                                   << "00011111";
     QTest::newRow("or then and is (a OR b) AND c") << "a|b&c"
-                                                 << "00000111";
+                                                   << "00000111";
     QTest::newRow("brackets: a AND (b OR c)") << "a&(b|c)"
-                                            << "00010101";
+                                              << "00010101";
     QTest::newRow("not inverts its row") << "!a&b"
                                          << "00100010";
     QTest::newRow("double brackets: a OR (b AND c)") << "a|((b&c))"
-                                                   << "01010111";
+                                                     << "01010111";
 }
 
 void VELD_FILTER_TREE_TEST::evaluates_left_to_right()

@@ -53,7 +53,8 @@ QString VELD_FIELD_RELATIONSHIP_TEXT::build(const KOR_FIELD_SCHEMA& field, const
     }
     if (!field.source_table().isEmpty() && !field.lookup_fields().isEmpty())
         relationships += QStringLiteral("<br>... looks up values from:<br>") + QStringLiteral("  <i>") +
-                         field.source_table() + QStringLiteral("</i>.") + field_list_text(field.lookup_fields());
+                         field.source_table() + QStringLiteral("</i>.") +
+                         field_list_text(field.lookup_fields());
     if (!field.looked_up_by().isEmpty())
         relationships += QStringLiteral("<br>... looked up by:<br>") + grouped_by_table(field.looked_up_by());
 

@@ -44,8 +44,7 @@ public:
 
     // Whether a record passes: `text_of_column(int column)` gives the text of
     // a column of that record. An empty tree accepts every record.
-    template <typename TEXT_OF_COLUMN>
-    bool accepts(const TEXT_OF_COLUMN& text_of_column) const
+    template <typename TEXT_OF_COLUMN> bool accepts(const TEXT_OF_COLUMN& text_of_column) const
     {
         return evaluate(m_nodes, text_of_column);
     }
@@ -69,9 +68,9 @@ private:
             const bool decided = join_by_or ? result : !result;
             if (!decided)
             {
-                const bool value =
-                    node.is_group() ? evaluate(node.children, text_of_column)
-                                    : node.row->test(text_of_column(node.row->filter_column()));
+                const bool value = node.is_group()
+                                       ? evaluate(node.children, text_of_column)
+                                       : node.row->test(text_of_column(node.row->filter_column()));
                 result = join_by_or ? (result || value) : (result && value);
             }
             join_by_or = node.joins_next_with_or();

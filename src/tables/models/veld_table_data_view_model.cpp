@@ -11,9 +11,9 @@
 #include "veld_data.h"
 #include "veld_field_relationship_text.h"
 #include "veld_field_value_validator.h"
+#include "veld_options.h"
 #include "veld_table_data_view_sort_model.h"
 #include "veld_table_model_questions.h"
-#include "veld_options.h"
 
 #include <QColor>
 #include <QItemSelectionModel>
@@ -25,9 +25,10 @@ namespace
 const QColor deleted_row_colour(255, 40, 40);
 } // namespace
 
-VELD_TABLE_DATA_VIEW_MODEL::VELD_TABLE_DATA_VIEW_MODEL(const QString& table_key, bool right_aligned_row_numbers,
-                                                       QObject* parent)
-    : QAbstractTableModel(parent), m_table_key(table_key), m_right_aligned_row_numbers(right_aligned_row_numbers)
+VELD_TABLE_DATA_VIEW_MODEL::VELD_TABLE_DATA_VIEW_MODEL(const QString& table_key,
+                                                       bool right_aligned_row_numbers, QObject* parent)
+    : QAbstractTableModel(parent), m_table_key(table_key),
+      m_right_aligned_row_numbers(right_aligned_row_numbers)
 {
 }
 
@@ -71,26 +72,6 @@ int VELD_TABLE_DATA_VIEW_MODEL::count_rows_with(quint8 flag) const
         if (flags & flag)
             ++count;
     return count;
-}
-
-bool VELD_TABLE_DATA_VIEW_MODEL::is_new_row(int row) const
-{
-    return has_flag(row, NEW_ROW);
-}
-
-bool VELD_TABLE_DATA_VIEW_MODEL::is_deleted_row(int row) const
-{
-    return has_flag(row, DELETED_ROW);
-}
-
-bool VELD_TABLE_DATA_VIEW_MODEL::is_deleted_new_row(int row) const
-{
-    return has_flag(row, DELETED_NEW_ROW);
-}
-
-bool VELD_TABLE_DATA_VIEW_MODEL::is_edited_row(int row) const
-{
-    return has_flag(row, EDITED_ROW);
 }
 
 bool VELD_TABLE_DATA_VIEW_MODEL::has_pending_changes() const
@@ -241,7 +222,8 @@ void VELD_TABLE_DATA_VIEW_MODEL::cache_columns()
     }
 }
 
-const KOR_FIELD_DATA* VELD_TABLE_DATA_VIEW_MODEL::field_data_at(const KOR_RECORD_DATA* record, int column) const
+const KOR_FIELD_DATA* VELD_TABLE_DATA_VIEW_MODEL::field_data_at(const KOR_RECORD_DATA* record,
+                                                                int column) const
 {
     if (!record || column < 0 || column >= m_column_names.size())
         return nullptr;
@@ -267,9 +249,9 @@ QVariant VELD_TABLE_DATA_VIEW_MODEL::stored_value(int row, int column) const
 
 QModelIndex VELD_TABLE_DATA_VIEW_MODEL::index(int row, int column, const QModelIndex& parent) const
 {
-    if (parent.isValid() || !valid_row(row) || column < 0 || column >= columnCount())
+    if (parent.isValid() || !valid_row(row) || column < 0 || column >= m_column_names.size())
         return QModelIndex();
-    return createIndex(row, column, m_rows[row]);
+    return createIndex(row, column);
 }
 
 int VELD_TABLE_DATA_VIEW_MODEL::rowCount(const QModelIndex& parent) const
@@ -325,7 +307,8 @@ QVariant VELD_TABLE_DATA_VIEW_MODEL::decoration_value(const QModelIndex& index) 
     if (m_selection_model)
     {
         const QModelIndex shown = m_proxy ? m_proxy->mapFromSource(index) : index;
-        if (shown.isValid() && shown.model() == m_selection_model->model() && m_selection_model->isSelected(shown))
+        if (shown.isValid() && shown.model() == m_selection_model->model() &&
+            m_selection_model->isSelected(shown))
             colour = colour.darker(200);
     }
     return colour;
@@ -427,6 +410,11 @@ void VELD_TABLE_DATA_VIEW_MODEL::set_display_lookups(bool display_lookups)
 void VELD_TABLE_DATA_VIEW_MODEL::set_proxy(VELD_TABLE_DATA_VIEW_SORT_MODEL* proxy)
 {
     m_proxy = proxy;
+}
+
+VELD_TABLE_DATA_VIEW_SORT_MODEL* VELD_TABLE_DATA_VIEW_MODEL::proxy() const
+{
+    return m_proxy;
 }
 
 void VELD_TABLE_DATA_VIEW_MODEL::set_selection_model(QItemSelectionModel* selection_model)
@@ -632,13 +620,15 @@ bool VELD_TABLE_DATA_VIEW_MODEL::load(QString& error)
         return false;
     }
     const KOR_DATABASE_SCHEMA* database_schema = query->get_database_schema();
-    const KOR_TABLE_SCHEMA* table_schema = database_schema ? database_schema->table_schema(m_table_key) : nullptr;
+    const KOR_TABLE_SCHEMA* table_schema =
+        database_schema ? database_schema->table_schema(m_table_key) : nullptr;
     QString data_error;
     const KOR_TABLE_DATA* table_data = query->get_table_data(data_error, m_table_key);
     if (!table_schema || !table_data)
     {
-        error = !data_error.isEmpty() ? data_error
-                                      : QStringLiteral("Table '") + m_table_key + QStringLiteral("' was not found");
+        error = !data_error.isEmpty()
+                    ? data_error
+                    : QStringLiteral("Table '") + m_table_key + QStringLiteral("' was not found");
         return false;
     }
     const bool keep_edits = !m_rows.isEmpty() || !m_new_rows.empty();
@@ -706,7 +696,8 @@ void VELD_TABLE_DATA_VIEW_MODEL::warn_data_invalid(const QString& text)
 }
 
 bool VELD_TABLE_DATA_VIEW_MODEL::check_key_and_relationships(int row, const KOR_FIELD_SCHEMA& field,
-                                                             const QVariant& new_value, const QString& new_text)
+                                                             const QVariant& new_value,
+                                                             const QString& new_text)
 {
     KOR_XML_QUERY_INTERFACE* query = query_interface();
     const EDITED_RECORD* edited = m_rows[row];
@@ -753,8 +744,9 @@ bool VELD_TABLE_DATA_VIEW_MODEL::check_key_and_relationships(int row, const KOR_
         {
             if (const QPair<QString, QString>* dependency = field.dependency())
             {
-                warn_data_invalid(QStringLiteral("Cannot set data for this field (") + key + QStringLiteral("): ") +
-                                  error + QStringLiteral(" and has a dependency on ") + dependency->first +
+                warn_data_invalid(QStringLiteral("Cannot set data for this field (") + key +
+                                  QStringLiteral("): ") + error +
+                                  QStringLiteral(" and has a dependency on ") + dependency->first +
                                   QLatin1Char(':') + dependency->second);
                 return false;
             }
@@ -784,7 +776,8 @@ bool VELD_TABLE_DATA_VIEW_MODEL::check_key_and_relationships(int row, const KOR_
     return true;
 }
 
-bool VELD_TABLE_DATA_VIEW_MODEL::write_value(int row, const KOR_FIELD_SCHEMA& field, const QVariant& new_value)
+bool VELD_TABLE_DATA_VIEW_MODEL::write_value(int row, const KOR_FIELD_SCHEMA& field,
+                                             const QVariant& new_value)
 {
     EDITED_RECORD* edited = m_rows[row];
     ensure_known_keys();
@@ -828,8 +821,8 @@ bool VELD_TABLE_DATA_VIEW_MODEL::setData(const QModelIndex& index, const QVarian
     const QString text = value.toString();
     if (field->is_required() && text.isEmpty())
     {
-        emit statusUpdate(QLatin1Char('\'') + field_name + QStringLiteral("' is required and must not be blank. (") +
-                          key + QLatin1Char(')'));
+        emit statusUpdate(QLatin1Char('\'') + field_name +
+                          QStringLiteral("' is required and must not be blank. (") + key + QLatin1Char(')'));
         return true;
     }
     if (text == data(index, Qt::EditRole).toString())
@@ -841,8 +834,8 @@ bool VELD_TABLE_DATA_VIEW_MODEL::setData(const QModelIndex& index, const QVarian
     {
         if (!message.isEmpty())
             emit statusUpdate(message);
-        emit statusUpdate(QLatin1Char('\'') + text + QStringLiteral("' is not a valid value for '") + field_name +
-                          QStringLiteral("' (") + key + QLatin1Char(')'));
+        emit statusUpdate(QLatin1Char('\'') + text + QStringLiteral("' is not a valid value for '") +
+                          field_name + QStringLiteral("' (") + key + QLatin1Char(')'));
         return false;
     }
 
@@ -874,7 +867,8 @@ int VELD_TABLE_DATA_VIEW_MODEL::add_record()
     if (!m_table_schema || !m_table_data)
         return -1;
     KOR_XML_QUERY_INTERFACE* query = query_interface();
-    std::unique_ptr<KOR_RECORD_DATA> record(new KOR_RECORD_DATA(m_table_schema, nullptr, QUuid::createUuid()));
+    std::unique_ptr<KOR_RECORD_DATA> record(
+        new KOR_RECORD_DATA(m_table_schema, nullptr, QUuid::createUuid()));
     for (const KOR_FIELD_SCHEMA* field : m_table_schema->field_schemas())
     {
         QVariant value = field->default_value();
@@ -926,8 +920,9 @@ void VELD_TABLE_DATA_VIEW_MODEL::remove_record(int row)
             QString error;
             if (query->any_dependents_using_existing_value(error, m_table_key, field, value))
             {
-                emit statusUpdate(QStringLiteral("Cannot delete this record (due to '") + field->field_name() +
-                                  QLatin1Char(':') + value.toString() + QStringLiteral("'): ") + error);
+                emit statusUpdate(QStringLiteral("Cannot delete this record (due to '") +
+                                  field->field_name() + QLatin1Char(':') + value.toString() +
+                                  QStringLiteral("'): ") + error);
                 in_use = true;
             }
         }
@@ -948,7 +943,8 @@ bool VELD_TABLE_DATA_VIEW_MODEL::apply_changes()
     KOR_XML_QUERY_INTERFACE* query = query_interface();
     if (!query)
     {
-        emit statusUpdate(QStringLiteral("Could not access the main query interface in order to apply table changes"));
+        emit statusUpdate(
+            QStringLiteral("Could not access the main query interface in order to apply table changes"));
         return false;
     }
     QString error;
@@ -1001,11 +997,12 @@ bool VELD_TABLE_DATA_VIEW_MODEL::apply_changes()
     }
     for (auto it = m_field_descriptions.constBegin(); it != m_field_descriptions.constEnd(); ++it)
     {
-        const KOR_FIELD_SCHEMA* field = m_table_schema ? m_table_schema->field_schema_by_name(it.key()) : nullptr;
+        const KOR_FIELD_SCHEMA* field =
+            m_table_schema ? m_table_schema->field_schema_by_name(it.key()) : nullptr;
         if (!field)
             continue;
-        const QString text =
-            query->set_field_description(m_table_key, field->field_name(), field->field_unique_id(), it.value());
+        const QString text = query->set_field_description(m_table_key, field->field_name(),
+                                                          field->field_unique_id(), it.value());
         if (!text.isEmpty())
             return failed(text);
     }

@@ -88,14 +88,17 @@ public:
     // Makes a row ignore edits (they are reported as successful).
     void lock_row(int row);
 
-    bool is_new_row(int row) const;
+    bool is_new_row(int row) const { return has_flag(row, NEW_ROW); }
     // A record of the table marked for deletion.
-    bool is_deleted_row(int row) const;
+    bool is_deleted_row(int row) const { return has_flag(row, DELETED_ROW); }
     // A new row that the user removed again.
-    bool is_deleted_new_row(int row) const;
-    bool is_edited_row(int row) const;
+    bool is_deleted_new_row(int row) const { return has_flag(row, DELETED_NEW_ROW); }
+    bool is_edited_row(int row) const { return has_flag(row, EDITED_ROW); }
     // Whether edited, new or deleted rows exist (field descriptions aside).
     bool has_pending_changes() const;
+    // Records of the table marked for deletion (the editor's record count
+    // leaves them out).
+    int deleted_row_count() const { return count_rows_with(DELETED_ROW); }
 
     // The current key text of a row's record; empty out of range.
     QString record_key(int row) const;
@@ -133,7 +136,7 @@ public:
     // The proxy whose row numbers the row header shows. The proxy sets itself
     // when the model becomes its source.
     void set_proxy(VELD_TABLE_DATA_VIEW_SORT_MODEL* proxy);
-    VELD_TABLE_DATA_VIEW_SORT_MODEL* proxy() const { return m_proxy; }
+    VELD_TABLE_DATA_VIEW_SORT_MODEL* proxy() const;
     // The view's selection (on the proxy): selected cells get darker colours.
     void set_selection_model(QItemSelectionModel* selection_model);
 

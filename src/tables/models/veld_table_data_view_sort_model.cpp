@@ -5,7 +5,8 @@
 #include "kor_table_schema.h"
 #include "veld_table_data_view_model.h"
 
-VELD_TABLE_DATA_VIEW_SORT_MODEL::VELD_TABLE_DATA_VIEW_SORT_MODEL(QObject* parent) : QSortFilterProxyModel(parent)
+VELD_TABLE_DATA_VIEW_SORT_MODEL::VELD_TABLE_DATA_VIEW_SORT_MODEL(QObject* parent)
+    : QSortFilterProxyModel(parent)
 {
 }
 
@@ -18,7 +19,35 @@ void VELD_TABLE_DATA_VIEW_SORT_MODEL::setSourceModel(QAbstractItemModel* source_
     m_table_model = qobject_cast<VELD_TABLE_DATA_VIEW_MODEL*>(source_model);
     if (m_table_model)
         m_table_model->set_proxy(this);
+    watch_source(source_model);
     QSortFilterProxyModel::setSourceModel(source_model);
+}
+
+void VELD_TABLE_DATA_VIEW_SORT_MODEL::watch_source(QAbstractItemModel* source_model)
+{
+    for (const QMetaObject::Connection& connection : qAsConst(m_source_connections))
+        disconnect(connection);
+    m_source_connections.clear();
+    m_sort_keys.clear();
+    if (!source_model)
+        return;
+    // Connected before the base class connects its own handlers, so that a
+    // changed row has lost its sort key by the time the proxy sorts it again.
+    const auto forget_all = [this] { m_sort_keys.clear(); };
+    m_source_connections << connect(source_model, &QAbstractItemModel::dataChanged, this,
+                                    [this](const QModelIndex& top_left, const QModelIndex& bottom_right) {
+                                        m_sort_keys.forget_rows(top_left.row(), bottom_right.row());
+                                    })
+                         << connect(source_model, &QAbstractItemModel::rowsInserted, this,
+                                    [this](const QModelIndex& parent, int first, int last) {
+                                        // Rows appended at the end move no other row.
+                                        if (last + 1 != sourceModel()->rowCount(parent))
+                                            m_sort_keys.clear();
+                                    })
+                         << connect(source_model, &QAbstractItemModel::rowsRemoved, this, forget_all)
+                         << connect(source_model, &QAbstractItemModel::rowsMoved, this, forget_all)
+                         << connect(source_model, &QAbstractItemModel::modelReset, this, forget_all)
+                         << connect(source_model, &QAbstractItemModel::layoutChanged, this, forget_all);
 }
 
 QString VELD_TABLE_DATA_VIEW_SORT_MODEL::build_filter_tree()
@@ -76,42 +105,6 @@ bool VELD_TABLE_DATA_VIEW_SORT_MODEL::filterAcceptsRow(int source_row, const QMo
     });
 }
 
-namespace
-{
-bool text_less(const QVariant& left, const QVariant& right)
-{
-    return QString::localeAwareCompare(left.toString(), right.toString()) < 0;
-}
-
-bool typed_less(KOR_FIELD_TYPE type, const QVariant& left, const QVariant& right)
-{
-    switch (type)
-    {
-    case KFT_INTEGER:
-    case KFT_UNSIGNED_INTEGER:
-    case KFT_AUTONUMBER:
-        return left.toInt() < right.toInt();
-    case KFT_UNIQUE_ID:
-    case KFT_CARD64:
-        return left.toULongLong() < right.toULongLong();
-    case KFT_SINGLE:
-    case KFT_DOUBLE:
-        return left.toDouble() < right.toDouble();
-    default:
-        return text_less(left, right);
-    }
-}
-
-bool held_type_less(const QVariant& left, const QVariant& right)
-{
-    if (left.type() == QVariant::ULongLong && right.type() == QVariant::ULongLong)
-        return left.toULongLong() < right.toULongLong();
-    if (left.type() == QVariant::Double && right.type() == QVariant::Double)
-        return left.toDouble() < right.toDouble();
-    return text_less(left, right);
-}
-} // namespace
-
 bool VELD_TABLE_DATA_VIEW_SORT_MODEL::lessThan(const QModelIndex& source_left,
                                                const QModelIndex& source_right) const
 {
@@ -151,14 +144,30 @@ bool VELD_TABLE_DATA_VIEW_SORT_MODEL::lessThan(const QModelIndex& source_left,
         return pending_order < 0;
     }
 
+    // In the display role a field that depends on another table shows
+    // looked-up texts, compared by what they hold; otherwise the field's type
+    // decides.
     const bool display = m_sort_on_display_text == 1;
     const int role = display ? Qt::DisplayRole : Qt::EditRole;
-    const QVariant left = model->data(source_left, role);
-    const QVariant right = model->data(source_right, role);
-    const KOR_FIELD_SCHEMA* field = field_of_column(source_left.column());
-    if (!field)
-        return text_less(left, right);
-    if (!display || !field->dependency())
-        return typed_less(field->field_type(), left, right);
-    return held_type_less(left, right);
+    const int column = source_left.column();
+    if (!m_sort_keys.is_for(column, role))
+    {
+        const KOR_FIELD_SCHEMA* field = field_of_column(column);
+        const bool by_held_type = field && display && field->dependency();
+        m_sort_keys.start(column, role,
+                          by_held_type ? VELD_SORT_KEYS::BY_HELD_TYPE : VELD_SORT_KEYS::BY_FIELD_TYPE,
+                          field ? field->field_type() : KFT_TEXT);
+    }
+    struct COLUMN_VALUES : VELD_SORT_KEYS::VALUES
+    {
+        const VELD_TABLE_DATA_VIEW_MODEL* model;
+        int column;
+        int role;
+        int row_count() const override { return model->rowCount(); }
+        QVariant value(int row) const override { return model->data(model->index(row, column), role); }
+    } values;
+    values.model = model;
+    values.column = column;
+    values.role = role;
+    return m_sort_keys.less(left_row, right_row, values);
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "veld_filter_tree.h"
+#include "veld_sort_keys.h"
 
 #include <QPointer>
 #include <QSet>
@@ -37,8 +38,7 @@ public:
     VELD_TABLE_DATA_VIEW_MODEL* table_model() const { return m_table_model; }
 
     // The editor's list of filter rows (not owned), read at each build.
-    template <typename ROW>
-    void set_filter_widgets(const QList<ROW*>* widgets)
+    template <typename ROW> void set_filter_widgets(const QList<ROW*>* widgets)
     {
         m_filter_rows = [widgets]() {
             QList<VELD_FILTER_ROW*> rows;
@@ -101,6 +101,8 @@ private:
     const KOR_FIELD_SCHEMA* field_of_column(int column) const;
     bool passes_date_filter(int source_row) const;
 
+    void watch_source(QAbstractItemModel* source_model);
+
     std::function<QList<VELD_FILTER_ROW*>()> m_filter_rows;
     VELD_FILTER_TREE m_filter_tree;
     const KOR_TABLE_SCHEMA* m_table_schema = nullptr;
@@ -115,4 +117,7 @@ private:
     bool m_record_set_filter_on = false;
     QSet<QUuid> m_record_set;
     QSet<int> m_forced_rows;
+    // Filled as rows are compared; they follow the source's changes.
+    mutable VELD_SORT_KEYS m_sort_keys;
+    QList<QMetaObject::Connection> m_source_connections;
 };
