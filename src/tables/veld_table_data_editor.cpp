@@ -312,14 +312,7 @@ void VELD_TABLE_DATA_EDITOR::update_context_menu_state()
 
 void VELD_TABLE_DATA_EDITOR::show_counts()
 {
-    int deleted = 0;
-    const int rows = m_model.rowCount();
-    for (int row = 0; row < rows; ++row)
-    {
-        if (m_model.is_deleted_row(row))
-            ++deleted;
-    }
-    m_ui.record_count->setText(QString::number(rows - deleted));
+    m_ui.record_count->setText(QString::number(m_model.rowCount() - m_model.deleted_row_count()));
     m_ui.showing->setText(QString::number(m_proxy.sourceModel() ? m_proxy.rowCount() : 0));
 }
 
