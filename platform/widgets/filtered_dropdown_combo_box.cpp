@@ -9,8 +9,7 @@
 
 namespace QTSHARED
 {
-FilteredDropdownComboBox::FilteredDropdownComboBox(QWidget* parent)
-    : QComboBox(parent)
+FilteredDropdownComboBox::FilteredDropdownComboBox(QWidget* parent) : QComboBox(parent)
 {
     setEditable(true);
     // Typed text must never become an item of its own.

@@ -257,7 +257,8 @@ void VELD_FROZEN_COLUMNS_TABLE::field_context_menu(const QPoint& click_point)
     m_menu_point = click_point;
     m_menu_on_frozen_header = sender() == frozen_header;
     const int frozen_logical = frozen_header->logicalIndexAt(click_point);
-    const bool frozen = m_menu_on_frozen_header && frozen_logical >= 0 && m_frozen_columns.contains(frozen_logical);
+    const bool frozen =
+        m_menu_on_frozen_header && frozen_logical >= 0 && m_frozen_columns.contains(frozen_logical);
     m_menu_column = frozen ? frozen_logical : horizontalHeader()->logicalIndexAt(click_point);
     if (m_menu_column < 0)
         return;

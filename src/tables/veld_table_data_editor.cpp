@@ -67,20 +67,16 @@ QString editor_title(const QString& key)
 
 bool has_signal(const QObject* object, const char* signature)
 {
-    return object
-           && object->metaObject()->indexOfSignal(QMetaObject::normalizedSignature(signature).constData()) >= 0;
+    return object &&
+           object->metaObject()->indexOfSignal(QMetaObject::normalizedSignature(signature).constData()) >= 0;
 }
 } // namespace
 
 VELD_TABLE_DATA_EDITOR::VELD_TABLE_DATA_EDITOR(const QString& table_key, VELD_DATA* session, QWidget* parent,
                                                bool read_only, bool check_box_row_header)
-    : QDialog(parent)
-    , m_model(table_key, session)
-    , m_session(session)
-    , m_main_window(dynamic_cast<VELD_WINDOW_OPENER*>(parent) ? parent : nullptr)
-    , m_table_key(table_key)
-    , m_read_only(read_only)
-    , m_check_box_row_header(check_box_row_header)
+    : QDialog(parent), m_model(table_key, session), m_session(session),
+      m_main_window(dynamic_cast<VELD_WINDOW_OPENER*>(parent) ? parent : nullptr), m_table_key(table_key),
+      m_read_only(read_only), m_check_box_row_header(check_box_row_header)
 {
     init_table_icons();
     m_ui.setup(this);
@@ -108,7 +104,8 @@ VELD_TABLE_DATA_EDITOR::~VELD_TABLE_DATA_EDITOR()
     if (m_main_window)
     {
         QString error;
-        if (!VELD_WINDOW_REGISTRY::instance().unregister_form(error, m_table_key, VELD_FORM_TYPE::TABLE_DATA_EDITOR))
+        if (!VELD_WINDOW_REGISTRY::instance().unregister_form(error, m_table_key,
+                                                              VELD_FORM_TYPE::TABLE_DATA_EDITOR))
             emit statusUpdate(error);
     }
     delete m_view;
@@ -161,7 +158,8 @@ bool VELD_TABLE_DATA_EDITOR::open(QString& error)
     m_delegate = new VELD_TABLE_DATA_VIEW_DELEGATE(m_session, &m_proxy, this);
     m_delegate->set_table_data(m_model.table_data());
     m_delegate->set_dropdown_filters(&m_dropdown_filter_widgets);
-    connect(m_delegate, &VELD_TABLE_DATA_VIEW_DELEGATE::statusUpdate, this, &VELD_TABLE_DATA_EDITOR::statusUpdateProxy);
+    connect(m_delegate, &VELD_TABLE_DATA_VIEW_DELEGATE::statusUpdate, this,
+            &VELD_TABLE_DATA_EDITOR::statusUpdateProxy);
     connect(m_delegate, &VELD_TABLE_DATA_VIEW_DELEGATE::cellEdited, this,
             &VELD_TABLE_DATA_EDITOR::handle_multi_cell_editing);
     QString lookup_error;
@@ -174,9 +172,9 @@ bool VELD_TABLE_DATA_EDITOR::open(QString& error)
 
     const QAbstractItemView::EditTriggers triggers =
         m_read_only ? QAbstractItemView::NoEditTriggers
-                    : QAbstractItemView::EditTriggers(QAbstractItemView::DoubleClicked
-                                                      | QAbstractItemView::SelectedClicked
-                                                      | QAbstractItemView::AnyKeyPressed);
+                    : QAbstractItemView::EditTriggers(QAbstractItemView::DoubleClicked |
+                                                      QAbstractItemView::SelectedClicked |
+                                                      QAbstractItemView::AnyKeyPressed);
     m_view->setEditTriggers(triggers);
     m_view->frozen_view()->setEditTriggers(triggers);
 
@@ -223,23 +221,31 @@ void VELD_TABLE_DATA_EDITOR::connect_form()
 
     connect(m_ui.modificationEnabled, &QCheckBox::stateChanged, this,
             &VELD_TABLE_DATA_EDITOR::recordModificationFilterEnabledChanged);
-    connect(m_ui.showOldRecords, &QCheckBox::stateChanged, this, &VELD_TABLE_DATA_EDITOR::showOldRecordsChanged);
+    connect(m_ui.showOldRecords, &QCheckBox::stateChanged, this,
+            &VELD_TABLE_DATA_EDITOR::showOldRecordsChanged);
     connect(m_ui.modifiedAfter, &QDateTimeEdit::dateTimeChanged, this,
             &VELD_TABLE_DATA_EDITOR::modifiedAfterDateTimeChanged);
     connect(m_ui.modifiedBefore, &QDateTimeEdit::dateTimeChanged, this,
             &VELD_TABLE_DATA_EDITOR::modifiedBeforeDateTimeChanged);
-    connect(m_ui.todayButton, &QPushButton::clicked, this, &VELD_TABLE_DATA_EDITOR::modifiedTodayButtonPressed);
-    connect(m_ui.saveDatesButton, &QPushButton::clicked, this, &VELD_TABLE_DATA_EDITOR::saveModificationDates);
-    connect(m_ui.restoreDatesButton, &QPushButton::clicked, this, &VELD_TABLE_DATA_EDITOR::restoreModificationDates);
+    connect(m_ui.todayButton, &QPushButton::clicked, this,
+            &VELD_TABLE_DATA_EDITOR::modifiedTodayButtonPressed);
+    connect(m_ui.saveDatesButton, &QPushButton::clicked, this,
+            &VELD_TABLE_DATA_EDITOR::saveModificationDates);
+    connect(m_ui.restoreDatesButton, &QPushButton::clicked, this,
+            &VELD_TABLE_DATA_EDITOR::restoreModificationDates);
 
     connect(m_ui.addFilterButton, &QToolButton::clicked, this, &VELD_TABLE_DATA_EDITOR::addFilterWidget);
-    connect(m_ui.addDropdownFilterButton, &QToolButton::clicked, this, &VELD_TABLE_DATA_EDITOR::addComboFilterWidget);
+    connect(m_ui.addDropdownFilterButton, &QToolButton::clicked, this,
+            &VELD_TABLE_DATA_EDITOR::addComboFilterWidget);
 
-    connect(&m_model, &VELD_TABLE_DATA_VIEW_MODEL::changedFlagUpdate, this, &VELD_TABLE_DATA_EDITOR::changedFlagUpdate);
-    connect(&m_model, &VELD_TABLE_DATA_VIEW_MODEL::statusUpdate, this, &VELD_TABLE_DATA_EDITOR::statusUpdateProxy);
+    connect(&m_model, &VELD_TABLE_DATA_VIEW_MODEL::changedFlagUpdate, this,
+            &VELD_TABLE_DATA_EDITOR::changedFlagUpdate);
+    connect(&m_model, &VELD_TABLE_DATA_VIEW_MODEL::statusUpdate, this,
+            &VELD_TABLE_DATA_EDITOR::statusUpdateProxy);
 
     connect(m_view, &QAbstractItemView::clicked, this, &VELD_TABLE_DATA_EDITOR::onTableEditorClicked);
-    connect(m_view->frozen_view(), &QAbstractItemView::clicked, this, &VELD_TABLE_DATA_EDITOR::onTableEditorClicked);
+    connect(m_view->frozen_view(), &QAbstractItemView::clicked, this,
+            &VELD_TABLE_DATA_EDITOR::onTableEditorClicked);
     connect(m_view, &VELD_FROZEN_COLUMNS_TABLE::update_description_for_field, this,
             &VELD_TABLE_DATA_EDITOR::update_field_descrption);
     m_view->setContextMenuPolicy(Qt::CustomContextMenu);
@@ -273,14 +279,16 @@ void VELD_TABLE_DATA_EDITOR::build_context_menu()
     m_arithmetic_mapper->setMapping(m_add_button, 0);
     m_arithmetic_mapper->setMapping(m_multiply_button, 1);
     connect(m_add_button, &QPushButton::clicked, m_arithmetic_mapper, QOverload<>::of(&QSignalMapper::map));
-    connect(m_multiply_button, &QPushButton::clicked, m_arithmetic_mapper, QOverload<>::of(&QSignalMapper::map));
+    connect(m_multiply_button, &QPushButton::clicked, m_arithmetic_mapper,
+            QOverload<>::of(&QSignalMapper::map));
     connect(m_arithmetic_mapper, &QSignalMapper::mappedInt, this,
             &VELD_TABLE_DATA_EDITOR::onArithmeticCellEditMenuRequest);
     m_add_operator = [](double left, double right) { return left + right; };
     m_multiply_operator = [](double left, double right) { return left * right; };
 
     m_see_references_action = m_context_menu->addAction(QStringLiteral("See references"));
-    connect(m_see_references_action, &QAction::triggered, this, &VELD_TABLE_DATA_EDITOR::onCellReferencesMenuRequest);
+    connect(m_see_references_action, &QAction::triggered, this,
+            &VELD_TABLE_DATA_EDITOR::onCellReferencesMenuRequest);
     update_context_menu_state();
 }
 
@@ -300,8 +308,8 @@ void VELD_TABLE_DATA_EDITOR::update_context_menu_state()
     const KOR_FIELD_SCHEMA* field = field_of_current_cell();
     const int type = field ? int(field->field_type()) : 0;
     const bool numeric = type >= KFT_INTEGER && type <= KFT_DECIMAL;
-    for (QWidget* control : {static_cast<QWidget*>(m_arithmetic_line_edit), static_cast<QWidget*>(m_add_button),
-                             static_cast<QWidget*>(m_multiply_button)})
+    for (QWidget* control : {static_cast<QWidget*>(m_arithmetic_line_edit),
+                             static_cast<QWidget*>(m_add_button), static_cast<QWidget*>(m_multiply_button)})
         control->setEnabled(numeric);
     if (numeric)
         m_arithmetic_widget->setFixedWidth(200);
@@ -358,8 +366,8 @@ void VELD_TABLE_DATA_EDITOR::handle_multi_cell_editing(const QString& value)
         not_available(QStringLiteral("Typing into several selected cells"));
 }
 
-void VELD_TABLE_DATA_EDITOR::handle_multi_cell_arithmetic(double value,
-                                                          std::function<double(double, double)> custom_operator)
+void VELD_TABLE_DATA_EDITOR::handle_multi_cell_arithmetic(
+    double value, std::function<double(double, double)> custom_operator)
 {
     Q_UNUSED(value)
     Q_UNUSED(custom_operator)
@@ -376,8 +384,9 @@ void VELD_TABLE_DATA_EDITOR::onDataImport()
     not_available(QStringLiteral("CSV import"));
 }
 
-void VELD_TABLE_DATA_EDITOR::onSearchNextStringInstance(const QString& search_text, const QString& search_field,
-                                                        int search_direction, bool search_underlying)
+void VELD_TABLE_DATA_EDITOR::onSearchNextStringInstance(const QString& search_text,
+                                                        const QString& search_field, int search_direction,
+                                                        bool search_underlying)
 {
     Q_UNUSED(search_text)
     Q_UNUSED(search_field)
@@ -386,7 +395,8 @@ void VELD_TABLE_DATA_EDITOR::onSearchNextStringInstance(const QString& search_te
     not_available(QStringLiteral("Find and replace"));
 }
 
-void VELD_TABLE_DATA_EDITOR::onReplaceCurrentOrNext(const QString& search_string, const QString& replace_string,
+void VELD_TABLE_DATA_EDITOR::onReplaceCurrentOrNext(const QString& search_string,
+                                                    const QString& replace_string,
                                                     const QString& search_column, int search_direction,
                                                     bool search_underlying)
 {
@@ -399,7 +409,8 @@ void VELD_TABLE_DATA_EDITOR::onReplaceCurrentOrNext(const QString& search_string
 }
 
 void VELD_TABLE_DATA_EDITOR::onReplaceAll(const QString& search_string, const QString& replace_string,
-                                          const QString& search_column, int search_direction, bool search_underlying)
+                                          const QString& search_column, int search_direction,
+                                          bool search_underlying)
 {
     Q_UNUSED(search_string)
     Q_UNUSED(replace_string)
@@ -437,7 +448,8 @@ void VELD_TABLE_DATA_EDITOR::onCellReferencesMenuRequest()
     if (!field || !query_interface)
         return;
     QMap<QString, QSet<QString>> references;
-    query_interface->dependents_of_field_using_value(references, field, m_view->currentIndex().data(Qt::EditRole));
+    query_interface->dependents_of_field_using_value(references, field,
+                                                     m_view->currentIndex().data(Qt::EditRole));
     CASCADE_UPDATE_DIALOG dialog(m_session, references, this, true);
     connect(&dialog, &CASCADE_UPDATE_DIALOG::statusUpdate, this, &VELD_TABLE_DATA_EDITOR::statusUpdateProxy);
     prompt::exec(dialog);
@@ -473,15 +485,16 @@ void VELD_TABLE_DATA_EDITOR::follow_relationship(const QModelIndex& index)
         names.sort();
         const QStringList open = registry.open_forms(names, VELD_FORM_TYPE::TABLE_DATA_EDITOR);
         if (!open.isEmpty())
-            read_only = prompt::question(this, QStringLiteral("Related Tables Open"),
-                                         QStringLiteral("Open this table in read-only mode?\n\n") + open.join("\n"),
-                                         QMessageBox::Yes | QMessageBox::No, QMessageBox::No)
-                        == QMessageBox::Yes;
+            read_only =
+                prompt::question(this, QStringLiteral("Related Tables Open"),
+                                 QStringLiteral("Open this table in read-only mode?\n\n") + open.join("\n"),
+                                 QMessageBox::Yes | QMessageBox::No, QMessageBox::No) == QMessageBox::Yes;
     }
     focus_on_row_in_table(target, m_view->currentIndex().data(Qt::EditRole).toString(), read_only);
 }
 
-VELD_TABLE_DATA_EDITOR* VELD_TABLE_DATA_EDITOR::open_editor_of(const QString& table, bool read_only, QString& error)
+VELD_TABLE_DATA_EDITOR* VELD_TABLE_DATA_EDITOR::open_editor_of(const QString& table, bool read_only,
+                                                               QString& error)
 {
     VELD_WINDOW_REGISTRY& registry = VELD_WINDOW_REGISTRY::instance();
     if (registry.is_form_open(table, VELD_FORM_TYPE::TABLE_DATA_EDITOR))
@@ -539,7 +552,8 @@ bool VELD_TABLE_DATA_EDITOR::search_in_column(const QString& text, const QString
         {
             row = (row + step + rows) % rows;
             const QModelIndex cell = m_proxy.index(row, column);
-            const QString cell_text = cell.data(underlying ? Qt::EditRole : Qt::DisplayRole).toString().toLower();
+            const QString cell_text =
+                cell.data(underlying ? Qt::EditRole : Qt::DisplayRole).toString().toLower();
             if (cell_text.contains(needle))
             {
                 m_view->selectionModel()->clearSelection();
@@ -631,7 +645,8 @@ bool VELD_TABLE_DATA_EDITOR::refresh_model(bool keep_editor_data)
         if (!m_delegate->load_lookups(error))
         {
             emit statusUpdate(error);
-            prompt::critical(this, QStringLiteral("Table Data Editor"), QStringLiteral("Unable to refresh lookup values"));
+            prompt::critical(this, QStringLiteral("Table Data Editor"),
+                             QStringLiteral("Unable to refresh lookup values"));
             return false;
         }
     }
@@ -660,8 +675,7 @@ void VELD_TABLE_DATA_EDITOR::onReset()
 {
     if (prompt::question(this, QStringLiteral("Table Data Editor"),
                          QStringLiteral("Do you really wish to cancel unapplied changes?"),
-                         QMessageBox::Yes | QMessageBox::No, QMessageBox::No)
-        != QMessageBox::Yes)
+                         QMessageBox::Yes | QMessageBox::No, QMessageBox::No) != QMessageBox::Yes)
         return;
     OVERRIDE_CURSOR busy(Qt::BusyCursor);
     save_cursor_position();
@@ -687,7 +701,8 @@ void VELD_TABLE_DATA_EDITOR::onApply()
         m_proxy.invalidate();
         show_counts();
         changedFlagUpdate(false);
-        prompt::information(this, QStringLiteral("Table Data Editor"), QStringLiteral("Changes applied successfully"));
+        prompt::information(this, QStringLiteral("Table Data Editor"),
+                            QStringLiteral("Changes applied successfully"));
     }
     else
     {
@@ -718,8 +733,9 @@ void VELD_TABLE_DATA_EDITOR::onShowSchema()
     OVERRIDE_CURSOR wait(Qt::WaitCursor);
     if (VELD_WINDOW_REGISTRY::instance().is_form_open(m_table_key, VELD_FORM_TYPE::SCHEMA_EDITOR))
     {
-        emit statusUpdate(QStringLiteral("The '") + m_table_key
-                          + QStringLiteral("' schema editing form is already open, cannot open another instance"));
+        emit statusUpdate(
+            QStringLiteral("The '") + m_table_key +
+            QStringLiteral("' schema editing form is already open, cannot open another instance"));
         return;
     }
     QString error;
@@ -746,8 +762,7 @@ void VELD_TABLE_DATA_EDITOR::onRemoveRecords()
         return;
     if (prompt::question(this, QStringLiteral("Orbin"),
                          QStringLiteral("Are you sure you wish to delete the selected records?"),
-                         QMessageBox::Yes | QMessageBox::No, QMessageBox::No)
-        == QMessageBox::Yes)
+                         QMessageBox::Yes | QMessageBox::No, QMessageBox::No) == QMessageBox::Yes)
     {
         // The selected rows through the selection's ranges, not a walk over
         // every cell of the table: tables run to a million rows.
@@ -774,8 +789,9 @@ void VELD_TABLE_DATA_EDITOR::update_field_descrption(int column_index)
         return;
     const QString current = m_model.field_description(field);
     bool ok = false;
-    const QString text = prompt::get_text(this, QStringLiteral("New Description for '") + field + QStringLiteral("'"),
-                                          QStringLiteral("Description:"), QLineEdit::Normal, current, &ok);
+    const QString text =
+        prompt::get_text(this, QStringLiteral("New Description for '") + field + QStringLiteral("'"),
+                         QStringLiteral("Description:"), QLineEdit::Normal, current, &ok);
     if (ok && text != current)
         m_model.set_field_description(field, text);
 }
@@ -785,11 +801,12 @@ void VELD_TABLE_DATA_EDITOR::update_field_descrption(int column_index)
 
 void VELD_TABLE_DATA_EDITOR::addFilterWidget()
 {
-    auto* widget = new VELD_RegexFilterWidget(m_table_schema ? m_table_schema->column_ordering() : QStringList(),
-                                              m_ui.filtersPanel);
+    auto* widget = new VELD_RegexFilterWidget(
+        m_table_schema ? m_table_schema->column_ordering() : QStringList(), m_ui.filtersPanel);
     m_filter_widgets.append(widget);
     m_ui.filterRows->addWidget(widget);
-    connect(widget, &VELD_RegexFilterWidget::removeRequest, this, &VELD_TABLE_DATA_EDITOR::removeFilterWidget);
+    connect(widget, &VELD_RegexFilterWidget::removeRequest, this,
+            &VELD_TABLE_DATA_EDITOR::removeFilterWidget);
     connect(widget, &VELD_RegexFilterWidget::filterChanged, this, &VELD_TABLE_DATA_EDITOR::onFilterChanged);
     widget->show();
     m_ui.fit_filter_panels();
@@ -813,12 +830,13 @@ void VELD_TABLE_DATA_EDITOR::removeFilterWidget(VELD_RegexFilterWidget* widget)
 
 void VELD_TABLE_DATA_EDITOR::addComboFilterWidget()
 {
-    auto* widget = new VELD_RegexFilterWidget(m_table_schema ? m_table_schema->column_ordering() : QStringList(),
-                                              m_ui.dropdownFiltersPanel);
+    auto* widget = new VELD_RegexFilterWidget(
+        m_table_schema ? m_table_schema->column_ordering() : QStringList(), m_ui.dropdownFiltersPanel);
     widget->set_bracket_and_join_controls_visible(false);
     m_dropdown_filter_widgets.append(widget);
     m_ui.dropdownFilterRows->addWidget(widget);
-    connect(widget, &VELD_RegexFilterWidget::removeRequest, this, &VELD_TABLE_DATA_EDITOR::removeComboFilterWidget);
+    connect(widget, &VELD_RegexFilterWidget::removeRequest, this,
+            &VELD_TABLE_DATA_EDITOR::removeComboFilterWidget);
     widget->show();
     m_ui.fit_filter_panels();
     m_proxy.invalidate();
@@ -890,8 +908,10 @@ void VELD_TABLE_DATA_EDITOR::modifiedTodayButtonPressed()
 void VELD_TABLE_DATA_EDITOR::saveModificationDates()
 {
     ORBIN_SETTINGS settings(QString::fromLatin1(filters_path));
-    settings.setValue(QStringLiteral("recordModifiedAfter"), m_ui.modifiedAfter->dateTime().toMSecsSinceEpoch());
-    settings.setValue(QStringLiteral("recordModifiedBefore"), m_ui.modifiedBefore->dateTime().toMSecsSinceEpoch());
+    settings.setValue(QStringLiteral("recordModifiedAfter"),
+                      m_ui.modifiedAfter->dateTime().toMSecsSinceEpoch());
+    settings.setValue(QStringLiteral("recordModifiedBefore"),
+                      m_ui.modifiedBefore->dateTime().toMSecsSinceEpoch());
 }
 
 void VELD_TABLE_DATA_EDITOR::restoreModificationDates()
@@ -922,7 +942,8 @@ void VELD_TABLE_DATA_EDITOR::saveTableLayout()
     // forget the table's layout.
     if (!m_view || !m_view->model() || m_view->horizontalHeader()->count() == 0)
         return;
-    VELD_TABLE_LAYOUT::store_text(m_table_key, VELD_TABLE_LAYOUT::of_header(*m_view->horizontalHeader()).to_text());
+    VELD_TABLE_LAYOUT::store_text(m_table_key,
+                                  VELD_TABLE_LAYOUT::of_header(*m_view->horizontalHeader()).to_text());
 }
 
 void VELD_TABLE_DATA_EDITOR::restoreTableLayout()
@@ -945,8 +966,8 @@ void VELD_TABLE_DATA_EDITOR::restoreTableLayout()
         QMap<QString, int> widths = layout.widths();
         const QList<QString> current = m_table_schema ? m_table_schema->column_ordering() : QList<QString>();
         QT_WORKAROUNDS::restore_header_by_column_names(names, current, m_view->horizontalHeader(), &widths);
-        QT_WORKAROUNDS::restore_header_by_column_names(names, current, m_view->frozen_view()->horizontalHeader(),
-                                                       &widths);
+        QT_WORKAROUNDS::restore_header_by_column_names(names, current,
+                                                       m_view->frozen_view()->horizontalHeader(), &widths);
     }
     m_view->keep_frozen_columns_in_front();
 }
@@ -979,7 +1000,8 @@ void VELD_TABLE_DATA_EDITOR::closeEvent(QCloseEvent* event)
             event->accept();
         else
         {
-            prompt::warning(this, QStringLiteral("Apply Error"), QStringLiteral("Could not apply changes, see log"));
+            prompt::warning(this, QStringLiteral("Apply Error"),
+                            QStringLiteral("Could not apply changes, see log"));
             event->ignore();
         }
     }
@@ -993,9 +1015,10 @@ void VELD_TABLE_DATA_EDITOR::keyPressEvent(QKeyEvent* event)
 {
     const Qt::KeyboardModifiers modifiers = event->modifiers() & ~Qt::KeypadModifier;
     const bool key_c = event->key() == Qt::Key_C;
-    if (event->matches(QKeySequence::Copy) || (key_c && modifiers == (Qt::ControlModifier | Qt::ShiftModifier))
-        || (key_c && modifiers == (Qt::ControlModifier | Qt::AltModifier))
-        || (key_c && modifiers == (Qt::ControlModifier | Qt::AltModifier | Qt::ShiftModifier)))
+    if (event->matches(QKeySequence::Copy) ||
+        (key_c && modifiers == (Qt::ControlModifier | Qt::ShiftModifier)) ||
+        (key_c && modifiers == (Qt::ControlModifier | Qt::AltModifier)) ||
+        (key_c && modifiers == (Qt::ControlModifier | Qt::AltModifier | Qt::ShiftModifier)))
         not_available(QStringLiteral("Copying cells"));
     else if (event->matches(QKeySequence::Paste))
         not_available(QStringLiteral("Pasting cells"));

@@ -63,7 +63,10 @@ public:
     VELD_TABLE_DATA_VIEW_DELEGATE* delegate() const { return m_delegate; }
     const VELD_TABLE_DATA_EDITOR_FORM& form() const { return m_ui; }
     const QList<VELD_RegexFilterWidget*>& filter_widgets() const { return m_filter_widgets; }
-    const QList<VELD_RegexFilterWidget*>& dropdown_filter_widgets() const { return m_dropdown_filter_widgets; }
+    const QList<VELD_RegexFilterWidget*>& dropdown_filter_widgets() const
+    {
+        return m_dropdown_filter_widgets;
+    }
     bool context_menu_active() const { return m_context_menu_active; }
     QWidget* arithmetic_widget() const { return m_arithmetic_widget; }
     QAction* see_references_action() const { return m_see_references_action; }
@@ -106,12 +109,12 @@ public slots:
     bool refresh_model(bool keep_editor_data = false);
     void onAddRecord();
     void onRemoveRecords();
-    void onSearchNextStringInstance(const QString& search_text, const QString& search_field, int search_direction,
-                                    bool search_underlying);
+    void onSearchNextStringInstance(const QString& search_text, const QString& search_field,
+                                    int search_direction, bool search_underlying);
     void onReplaceCurrentOrNext(const QString& search_string, const QString& replace_string,
                                 const QString& search_column, int search_direction, bool search_underlying);
-    void onReplaceAll(const QString& search_string, const QString& replace_string, const QString& search_column,
-                      int search_direction, bool search_underlying);
+    void onReplaceAll(const QString& search_string, const QString& replace_string,
+                      const QString& search_column, int search_direction, bool search_underlying);
     void update_field_descrption(int column_index);
     void onTableEditorClicked(const QModelIndex& index);
     void addFilterWidget();

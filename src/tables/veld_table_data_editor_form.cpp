@@ -118,9 +118,12 @@ void VELD_TABLE_DATA_EDITOR_FORM::setup(QDialog* dialog)
     showing = new QLabel(QStringLiteral("0"), dialog);
     showing->setObjectName(QStringLiteral("showingCount"));
     showing->setToolTip(showing_label->toolTip());
-    importButton = button(dialog, "importButton", QStringLiteral("Import csv"), QStringLiteral(":/icons/import"));
-    refreshButton = button(dialog, "refreshButton", QStringLiteral("Refresh model"), QStringLiteral(":/icons/refresh"));
-    resetButton = button(dialog, "resetButton", QStringLiteral("Cancel changes"), QStringLiteral(":/icons/cancel"));
+    importButton =
+        button(dialog, "importButton", QStringLiteral("Import csv"), QStringLiteral(":/icons/import"));
+    refreshButton =
+        button(dialog, "refreshButton", QStringLiteral("Refresh model"), QStringLiteral(":/icons/refresh"));
+    resetButton =
+        button(dialog, "resetButton", QStringLiteral("Cancel changes"), QStringLiteral(":/icons/cancel"));
     showSchema = button(dialog, "showSchema", QStringLiteral("Show Schema"));
     applyButton = button(dialog, "applyButton", QStringLiteral("Apply"));
     applyCloseButton = button(dialog, "applyCloseButton", QStringLiteral("Apply and Close"));
@@ -132,8 +135,8 @@ void VELD_TABLE_DATA_EDITOR_FORM::setup(QDialog* dialog)
     commands->addWidget(showing_label);
     commands->addWidget(showing);
     commands->addStretch(1);
-    for (QPushButton* command : {importButton, refreshButton, resetButton, showSchema, addRecord, removeRecords,
-                                 applyButton, applyCloseButton})
+    for (QPushButton* command : {importButton, refreshButton, resetButton, showSchema, addRecord,
+                                 removeRecords, applyButton, applyCloseButton})
         commands->addWidget(command);
     main_layout->addLayout(commands);
 
@@ -209,8 +212,8 @@ void VELD_TABLE_DATA_EDITOR_FORM::setup(QDialog* dialog)
     panels_layout->setContentsMargins(0, 0, 0, 0);
     filtersPanel = filter_panel(panels, QStringLiteral("Filters"), addFilterButton, filterRows);
     filtersPanel->setObjectName(QStringLiteral("filtersPanel"));
-    dropdownFiltersPanel = filter_panel(panels, QStringLiteral("Dropdown Filters"), addDropdownFilterButton,
-                                        dropdownFilterRows);
+    dropdownFiltersPanel =
+        filter_panel(panels, QStringLiteral("Dropdown Filters"), addDropdownFilterButton, dropdownFilterRows);
     dropdownFiltersPanel->setObjectName(QStringLiteral("dropdownFiltersPanel"));
     filtersScroll = scrolling(filtersPanel);
     dropdownFiltersScroll = scrolling(dropdownFiltersPanel);

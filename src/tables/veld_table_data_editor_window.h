@@ -21,6 +21,6 @@ public:
     // statusbarUpdate(QString) (a registration failure is sent there too).
     // The main window's refreshDialogColours() reaches its refreshColours(),
     // and its model's transactionApplied the main window's signal of that name.
-    static QMdiSubWindow* open(QMdiArea* area, VELD_DATA* session, QWidget* main_window, const QString& table_key,
-                               bool read_only, QString& error);
+    static QMdiSubWindow* open(QMdiArea* area, VELD_DATA* session, QWidget* main_window,
+                               const QString& table_key, bool read_only, QString& error);
 };

@@ -17,10 +17,9 @@
 using QTSHARED::FilteredDropdownComboBox;
 
 VELD_TABLE_DATA_VIEW_DELEGATE::VELD_TABLE_DATA_VIEW_DELEGATE(VELD_DATA* session,
-                                                             VELD_TABLE_DATA_VIEW_SORT_MODEL* proxy, QObject* parent)
-    : QItemDelegate(parent)
-    , m_session(session)
-    , m_proxy(proxy)
+                                                             VELD_TABLE_DATA_VIEW_SORT_MODEL* proxy,
+                                                             QObject* parent)
+    : QItemDelegate(parent), m_session(session), m_proxy(proxy)
 {
 }
 
@@ -82,7 +81,8 @@ const KOR_FIELD_SCHEMA* VELD_TABLE_DATA_VIEW_DELEGATE::field_of_column(int colum
     return schema->field_schema_by_name(name);
 }
 
-std::function<bool(const QString&)> VELD_TABLE_DATA_VIEW_DELEGATE::filter_test(const QString& field_name) const
+std::function<bool(const QString&)>
+VELD_TABLE_DATA_VIEW_DELEGATE::filter_test(const QString& field_name) const
 {
     QList<const VELD_FILTER_ROW*> rows;
     const KOR_TABLE_SCHEMA* schema = m_table_data ? m_table_data->table_schema() : nullptr;
@@ -121,7 +121,8 @@ void VELD_TABLE_DATA_VIEW_DELEGATE::paint(QPainter* painter, const QStyleOptionV
     QItemDelegate::paint(painter, option, index);
 }
 
-QSize VELD_TABLE_DATA_VIEW_DELEGATE::sizeHint(const QStyleOptionViewItem& option, const QModelIndex& index) const
+QSize VELD_TABLE_DATA_VIEW_DELEGATE::sizeHint(const QStyleOptionViewItem& option,
+                                              const QModelIndex& index) const
 {
     return QItemDelegate::sizeHint(option, index);
 }
@@ -145,20 +146,21 @@ QWidget* VELD_TABLE_DATA_VIEW_DELEGATE::createEditor(QWidget* parent, const QSty
     {
         editor = new QCheckBox(parent);
     }
-    else if (!field->fixed_column_values().isEmpty() || !field->lookup_fields().isEmpty() || field->dependency())
+    else if (!field->fixed_column_values().isEmpty() || !field->lookup_fields().isEmpty() ||
+             field->dependency())
     {
         QVector<VELD_DROPDOWN_ITEMS::ITEM> items;
         if (!field->fixed_column_values().isEmpty())
             items = VELD_DROPDOWN_ITEMS::from_fixed_values(field->fixed_column_values(), field->is_required(),
-                                                          filter_test(name));
+                                                           filter_test(name));
         else if (!field->lookup_fields().isEmpty())
         {
             const auto values = m_lookup_values.constFind(name);
             const auto texts = m_lookup_texts.constFind(name);
-            items = VELD_DROPDOWN_ITEMS::from_pairs(values != m_lookup_values.constEnd() ? &values.value() : nullptr,
-                                                   texts != m_lookup_texts.constEnd() ? &texts.value() : nullptr,
-                                                   field->is_required(), m_dropdown_shows_display_text,
-                                                   filter_test(name));
+            items = VELD_DROPDOWN_ITEMS::from_pairs(
+                values != m_lookup_values.constEnd() ? &values.value() : nullptr,
+                texts != m_lookup_texts.constEnd() ? &texts.value() : nullptr, field->is_required(),
+                m_dropdown_shows_display_text, filter_test(name));
         }
         else
         {
@@ -233,7 +235,8 @@ void VELD_TABLE_DATA_VIEW_DELEGATE::setModelData(QWidget* editor, QAbstractItemM
     {
         // What the user typed chooses an item first; typed text that chooses
         // none, or an editor closed without a choice, changes nothing.
-        const int chosen = combo->lineEdit()->isModified() ? combo->resolve_typed_text() : combo->currentIndex();
+        const int chosen =
+            combo->lineEdit()->isModified() ? combo->resolve_typed_text() : combo->currentIndex();
         if (chosen >= 0)
             model->setData(index, combo->itemData(chosen, Qt::UserRole), Qt::EditRole);
     }

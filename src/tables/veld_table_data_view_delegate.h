@@ -30,7 +30,8 @@ public:
                                   QObject* parent = nullptr);
     ~VELD_TABLE_DATA_VIEW_DELEGATE() override;
 
-    void paint(QPainter* painter, const QStyleOptionViewItem& option, const QModelIndex& index) const override;
+    void paint(QPainter* painter, const QStyleOptionViewItem& option,
+               const QModelIndex& index) const override;
     QSize sizeHint(const QStyleOptionViewItem& option, const QModelIndex& index) const override;
     QWidget* createEditor(QWidget* parent, const QStyleOptionViewItem& option,
                           const QModelIndex& index) const override;
@@ -45,8 +46,7 @@ public:
     bool load_lookups(QString& error);
 
     // The editor's dropdown filter rows, read at each opening of a dropdown.
-    template <typename ROW>
-    void set_dropdown_filters(const QList<ROW*>* rows)
+    template <typename ROW> void set_dropdown_filters(const QList<ROW*>* rows)
     {
         m_dropdown_filters = [rows]() {
             QList<const VELD_FILTER_ROW*> result;

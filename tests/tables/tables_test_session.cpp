@@ -60,8 +60,9 @@ bool TABLES_TEST_SESSION::open(const BUILD& build, const QByteArray& permissions
             return false;
         }
     }
-    if (!permissions_xml.isEmpty()
-        && !ORBIN_TEST::write_file(QDir(m_path).filePath(QStringLiteral("Veld_permissions.xml")), permissions_xml))
+    if (!permissions_xml.isEmpty() &&
+        !ORBIN_TEST::write_file(QDir(m_path).filePath(QStringLiteral("Veld_permissions.xml")),
+                                permissions_xml))
     {
         m_error = QStringLiteral("cannot write the permissions file");
         return false;

@@ -29,7 +29,8 @@ private:
     static void choose_from_header_menu(VELD_FROZEN_COLUMNS_TABLE& view, bool frozen_header, int logical,
                                         const QString& entry)
     {
-        QHeaderView* header = frozen_header ? view.frozen_view()->horizontalHeader() : view.horizontalHeader();
+        QHeaderView* header =
+            frozen_header ? view.frozen_view()->horizontalHeader() : view.horizontalHeader();
         const QPoint point(header->sectionViewportPosition(logical) + 3, header->height() / 2);
         SCRIPTED_PROMPT prompts;
         prompts.menu_action(entry);
@@ -122,8 +123,8 @@ private slots:
 
         // Scroll so that column 3 starts inside the frozen area, then step left
         // onto it from column 4.
-        view.horizontalScrollBar()->setValue(view.columnViewportPosition(3) + view.horizontalScrollBar()->value()
-                                             - 60);
+        view.horizontalScrollBar()->setValue(view.columnViewportPosition(3) +
+                                             view.horizontalScrollBar()->value() - 60);
         QVERIFY(view.visualRect(m_model.index(5, 3)).left() < view.frozen_width());
         view.setCurrentIndex(m_model.index(5, 4));
         view.setFocus();

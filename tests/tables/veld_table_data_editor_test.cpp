@@ -35,9 +35,11 @@ void build_army(TEST_DATABASE_BUILDER& db)
 {
     db.table("factions", {TEST_FIELD::key("key"), TEST_FIELD::plain("name", KFT_TEXT)});
     auto units = TEST_DATABASE_BUILDER::make_schema(
-        "units", {TEST_FIELD::key("unit"), TEST_FIELD::plain("faction", KFT_TEXT).refers_to("factions", "key", {"name"}),
-                  TEST_FIELD::plain("men", KFT_INTEGER).with_default(60), TEST_FIELD::plain("elite", KFT_YESNO),
-                  TEST_FIELD::plain("category", KFT_TEXT), TEST_FIELD::plain("notes", KFT_TEXT)});
+        "units",
+        {TEST_FIELD::key("unit"),
+         TEST_FIELD::plain("faction", KFT_TEXT).refers_to("factions", "key", {"name"}),
+         TEST_FIELD::plain("men", KFT_INTEGER).with_default(60), TEST_FIELD::plain("elite", KFT_YESNO),
+         TEST_FIELD::plain("category", KFT_TEXT), TEST_FIELD::plain("notes", KFT_TEXT)});
     units->field_schema_by_name("category")->set_fixed_column_values({"infantry", "cavalry", "siege"});
     const QString error = db.query_interface().add_table(*units, QString(), QString());
     QVERIFY2(error.isEmpty(), qPrintable(error));
@@ -104,8 +106,8 @@ class VELD_TABLE_DATA_EDITOR_TEST : public QObject
 private:
     std::unique_ptr<TABLES_TEST_SESSION> m_db;
 
-    std::unique_ptr<VELD_TABLE_DATA_EDITOR> open_editor(const QString& table = "units", bool read_only = false,
-                                                        QWidget* parent = nullptr)
+    std::unique_ptr<VELD_TABLE_DATA_EDITOR> open_editor(const QString& table = "units",
+                                                        bool read_only = false, QWidget* parent = nullptr)
     {
         auto editor = std::make_unique<VELD_TABLE_DATA_EDITOR>(table, m_db->session(), parent, read_only);
         QString error;
@@ -201,8 +203,10 @@ private slots:
         QTest::newRow("nothing pending asks nothing") << "" << none << false << true << "60";
         QTest::newRow("only a description asks nothing") << "description" << none << false << true << "60";
         QTest::newRow("Yes applies and closes") << "edit" << int(QMessageBox::Yes) << false << true << "75";
-        QTest::newRow("Yes with a failed apply stays") << "edit" << int(QMessageBox::Yes) << true << false << "60";
-        QTest::newRow("No closes, nothing applied") << "edit" << int(QMessageBox::No) << false << true << "60";
+        QTest::newRow("Yes with a failed apply stays")
+            << "edit" << int(QMessageBox::Yes) << true << false << "60";
+        QTest::newRow("No closes, nothing applied")
+            << "edit" << int(QMessageBox::No) << false << true << "60";
         QTest::newRow("Cancel stays") << "edit" << int(QMessageBox::Cancel) << false << false << "60";
     }
 
@@ -233,7 +237,8 @@ private slots:
         if (answer != QMessageBox::NoButton)
         {
             QCOMPARE(prompts.asked()[0].title, QString("Dialog Close"));
-            QCOMPARE(prompts.asked()[0].text, QString("Data has been edited in this table, save before exit?"));
+            QCOMPARE(prompts.asked()[0].text,
+                     QString("Data has been edited in this table, save before exit?"));
             QCOMPARE(prompts.asked()[0].default_button, QMessageBox::Yes);
         }
         if (fail_commit)
@@ -254,7 +259,8 @@ private slots:
         editor->onAddRecord();
         QCOMPARE(editor->form().record_count->text(), QString("4"));
         const int new_row = editor->model().rowCount() - 1;
-        const QModelIndex new_key = editor->proxy().mapFromSource(editor->model().index(new_row, column_of(*editor, "unit")));
+        const QModelIndex new_key =
+            editor->proxy().mapFromSource(editor->model().index(new_row, column_of(*editor, "unit")));
         QVERIFY(editor->proxy().setData(new_key, "velites", Qt::EditRole));
         editor->view()->selectRow(cell(*editor, "elephants", "unit").row());
         SCRIPTED_PROMPT prompts;
@@ -286,7 +292,8 @@ private slots:
         prompts.button(QMessageBox::Ok);
         editor->onApply();
         QCOMPARE(prompts.asked()[0].kind, prompt::KIND::CRITICAL);
-        QCOMPARE(prompts.asked()[0].text, QString("Failed to apply changes! Check the status bar for detalis."));
+        QCOMPARE(prompts.asked()[0].text,
+                 QString("Failed to apply changes! Check the status bar for detalis."));
         QVERIFY(editor->model().has_pending_changes());
         QCOMPARE(cell(*editor, "hastati", "men").data(Qt::EditRole).toString(), QString("75"));
         QVERIFY(!status.isEmpty());
@@ -374,7 +381,8 @@ private slots:
         QHeaderView* header = editor->view()->horizontalHeader();
         QCOMPARE(header->logicalIndex(0), column_of(*editor, "notes"));
         QCOMPARE(header->sectionSize(column_of(*editor, "men")), 133);
-        QCOMPARE(editor->view()->frozen_view()->horizontalHeader()->logicalIndex(0), column_of(*editor, "notes"));
+        QCOMPARE(editor->view()->frozen_view()->horizontalHeader()->logicalIndex(0),
+                 column_of(*editor, "notes"));
         auto factions = open_editor("factions");
         QCOMPARE(factions->view()->horizontalHeader()->logicalIndex(0), 0);
     }
@@ -386,12 +394,16 @@ private slots:
         QTest::addColumn<QStringList>("items");
         QTest::addColumn<QString>("current");
 
-        QTest::newRow("yes/no") << "elite" << "QCheckBox" << QStringList{} << "";
+        QTest::newRow("yes/no") << "elite"
+                                << "QCheckBox" << QStringList{} << "";
         QTest::newRow("fixed values, empty choice first")
-            << "category" << "FilteredDropdownComboBox" << QStringList{"", "cavalry", "infantry", "siege"} << "infantry";
+            << "category"
+            << "FilteredDropdownComboBox" << QStringList{"", "cavalry", "infantry", "siege"} << "infantry";
         QTest::newRow("lookup, display texts, empty choice last")
-            << "faction" << "FilteredDropdownComboBox" << QStringList{"Carthage", "Rome", ""} << "Rome";
-        QTest::newRow("plain text") << "notes" << "QLineEdit" << QStringList{} << "";
+            << "faction"
+            << "FilteredDropdownComboBox" << QStringList{"Carthage", "Rome", ""} << "Rome";
+        QTest::newRow("plain text") << "notes"
+                                    << "QLineEdit" << QStringList{} << "";
     }
 
     void cell_editors_follow_the_field()
@@ -405,7 +417,8 @@ private slots:
         QVERIFY(editor);
         const QModelIndex index = cell(*editor, "hastati", field);
         QStyleOptionViewItem option;
-        std::unique_ptr<QWidget> widget(editor->delegate()->createEditor(editor->view()->viewport(), option, index));
+        std::unique_ptr<QWidget> widget(
+            editor->delegate()->createEditor(editor->view()->viewport(), option, index));
         QVERIFY(widget);
         QVERIFY(widget->inherits(qPrintable(kind.startsWith("Filtered") ? "QTSHARED::" + kind : kind)));
         QVERIFY(widget->autoFillBackground());
@@ -422,7 +435,8 @@ private slots:
         auto editor = open_editor();
         const QModelIndex index = cell(*editor, "hastati", "men");
         QStyleOptionViewItem option;
-        std::unique_ptr<QWidget> widget(editor->delegate()->createEditor(editor->view()->viewport(), option, index));
+        std::unique_ptr<QWidget> widget(
+            editor->delegate()->createEditor(editor->view()->viewport(), option, index));
         auto* line = qobject_cast<QLineEdit*>(widget.get());
         QVERIFY(line);
         editor->delegate()->setEditorData(line, index);
@@ -444,7 +458,8 @@ private slots:
 
         const QModelIndex index = cell(*editor, "elephants", "faction");
         QStyleOptionViewItem option;
-        std::unique_ptr<QWidget> widget(editor->delegate()->createEditor(editor->view()->viewport(), option, index));
+        std::unique_ptr<QWidget> widget(
+            editor->delegate()->createEditor(editor->view()->viewport(), option, index));
         auto* box = qobject_cast<QTSHARED::FilteredDropdownComboBox*>(widget.get());
         QVERIFY(box);
         // The filter tests the display text "Rome"; the item shows the value.
@@ -503,14 +518,15 @@ private slots:
         MAIN_WINDOW main_window(m_db->session());
         VELD_WINDOW_REGISTRY::instance().set_mdi_area(&main_window.area);
         QString error;
-        QMdiSubWindow* units_window =
-            VELD_TABLE_DATA_EDITOR_WINDOW::open(&main_window.area, m_db->session(), &main_window, "units", false, error);
+        QMdiSubWindow* units_window = VELD_TABLE_DATA_EDITOR_WINDOW::open(
+            &main_window.area, m_db->session(), &main_window, "units", false, error);
         QVERIFY2(units_window, qPrintable(error));
         auto* units = qobject_cast<VELD_TABLE_DATA_EDITOR*>(units_window->widget());
-        QVERIFY(units->testAttribute(Qt::WA_DeleteOnClose) || units_window->testAttribute(Qt::WA_DeleteOnClose));
+        QVERIFY(units->testAttribute(Qt::WA_DeleteOnClose) ||
+                units_window->testAttribute(Qt::WA_DeleteOnClose));
         QVERIFY(VELD_WINDOW_REGISTRY::instance().is_form_open("units", VELD_FORM_TYPE::TABLE_DATA_EDITOR));
-        QCOMPARE(VELD_TABLE_DATA_EDITOR_WINDOW::open(&main_window.area, m_db->session(), &main_window, "units",
-                                                     false, error),
+        QCOMPARE(VELD_TABLE_DATA_EDITOR_WINDOW::open(&main_window.area, m_db->session(), &main_window,
+                                                     "units", false, error),
                  units_window);
 
         units->focus_on_row_in_table("factions", "rome", false);
@@ -538,8 +554,8 @@ private slots:
         factions_window->close();
         QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
 
-        QVERIFY(!VELD_TABLE_DATA_EDITOR_WINDOW::open(&main_window.area, m_db->session(), &main_window, "nothing",
-                                                     false, error));
+        QVERIFY(!VELD_TABLE_DATA_EDITOR_WINDOW::open(&main_window.area, m_db->session(), &main_window,
+                                                     "nothing", false, error));
         QVERIFY(!error.isEmpty());
         QVERIFY(!VELD_WINDOW_REGISTRY::instance().is_form_open("nothing", VELD_FORM_TYPE::TABLE_DATA_EDITOR));
         QVERIFY(main_window.area.subWindowList().isEmpty());
@@ -549,8 +565,9 @@ private slots:
     void removing_records_asks_and_marks_the_selected_rows()
     {
         auto editor = open_editor();
-        editor->view()->selectionModel()->select(QItemSelection(editor->proxy().index(0, 0), editor->proxy().index(1, 2)),
-                                                 QItemSelectionModel::Select);
+        editor->view()->selectionModel()->select(
+            QItemSelection(editor->proxy().index(0, 0), editor->proxy().index(1, 2)),
+            QItemSelectionModel::Select);
         SCRIPTED_PROMPT prompts;
         prompts.button(QMessageBox::No).button(QMessageBox::Yes);
         editor->onRemoveRecords();

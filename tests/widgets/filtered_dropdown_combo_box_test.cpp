@@ -162,13 +162,15 @@ private slots:
         // An item view's delegate commits when Return reaches the editor.
         struct DELEGATE : QStyledItemDelegate
         {
-            QWidget* createEditor(QWidget* parent, const QStyleOptionViewItem&, const QModelIndex&) const override
+            QWidget* createEditor(QWidget* parent, const QStyleOptionViewItem&,
+                                  const QModelIndex&) const override
             {
                 auto* box = new FilteredDropdownComboBox(parent);
                 box->addItems({"Goblin", "Hobgoblin", "Orc"});
                 return box;
             }
-            void setModelData(QWidget* editor, QAbstractItemModel* target, const QModelIndex& index) const override
+            void setModelData(QWidget* editor, QAbstractItemModel* target,
+                              const QModelIndex& index) const override
             {
                 target->setData(index, static_cast<FilteredDropdownComboBox*>(editor)->currentText());
             }
