@@ -102,7 +102,7 @@ QGroupBox* VELD_TABLE_DATA_EDITOR_FORM::filter_panel(QWidget* parent, const QStr
 void VELD_TABLE_DATA_EDITOR_FORM::setup(QDialog* dialog)
 {
     dialog->setObjectName(QStringLiteral("tableDataEditorForm"));
-    dialog->resize(1180, 720);
+    dialog->resize(1040, 660);
     auto* main_layout = new QVBoxLayout(dialog);
     main_layout->setContentsMargins(6, 6, 6, 6);
 
@@ -135,8 +135,7 @@ void VELD_TABLE_DATA_EDITOR_FORM::setup(QDialog* dialog)
     commands->addWidget(showing_label);
     commands->addWidget(showing);
     commands->addStretch(1);
-    for (QPushButton* command : {importButton, refreshButton, resetButton, showSchema, addRecord,
-                                 removeRecords, applyButton, applyCloseButton})
+    for (QPushButton* command : {importButton, refreshButton, resetButton, showSchema})
         commands->addWidget(command);
     main_layout->addLayout(commands);
 
@@ -235,6 +234,13 @@ void VELD_TABLE_DATA_EDITOR_FORM::setup(QDialog* dialog)
     table_layout->addLayout(expression);
     view_place = new QVBoxLayout;
     table_layout->addLayout(view_place, 1);
+    // The record commands under the table, where the eye is after an edit;
+    // the window then fits the main window's area.
+    auto* record_commands = new QHBoxLayout;
+    record_commands->addStretch(1);
+    for (QPushButton* command : {addRecord, removeRecords, applyButton, applyCloseButton})
+        record_commands->addWidget(command);
+    table_layout->addLayout(record_commands);
 
     splitter->addWidget(panels);
     splitter->addWidget(table_area);

@@ -50,6 +50,10 @@ QMdiSubWindow* VELD_TABLE_DATA_EDITOR_WINDOW::open(QMdiArea* area, VELD_DATA* se
 
     QMdiSubWindow* window = area->addSubWindow(editor);
     window->setAttribute(Qt::WA_DeleteOnClose);
+    // A first opening fits the area; a saved geometry comes back on registering.
+    const QSize room = area->viewport()->size();
+    if (room.isValid() && !room.isEmpty())
+        window->resize(window->size().boundedTo(room));
     window->show();
     QString registration_error;
     if (!registry.register_form(registration_error, table_key, VELD_FORM_TYPE::TABLE_DATA_EDITOR, window))
