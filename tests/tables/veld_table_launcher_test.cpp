@@ -122,6 +122,9 @@ private slots:
         launcher.refresh_table_layout();
         launcher.table_filter()->setText("s$");
         launcher.refresh_table_list();
+        // A second connection fills the lists again, never twice over.
+        launcher.connectionEstablished();
+        QCOMPARE(launcher.source_model()->rowCount(), 5);
         QCOMPARE(launcher.source_model()->columnCount(), 2);
         QCOMPARE(launcher.source_model()->index(0, 1).data(Qt::ToolTipRole).type(), QVariant::Bool);
         QVERIFY(!launcher.source_model()->index(0, 0).data(Qt::ToolTipRole).isValid());
