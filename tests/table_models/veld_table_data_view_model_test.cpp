@@ -1,3 +1,5 @@
+#include "../vcs/git_sandbox.h"
+
 #include "kor_field_data.h"
 #include "kor_field_schema.h"
 #include "kor_record_data.h"
@@ -14,6 +16,7 @@
 #include <QAbstractItemModelTester>
 #include <QColor>
 #include <QItemSelectionModel>
+#include <QStandardPaths>
 #include <QtTest>
 
 #include <deque>
@@ -105,6 +108,7 @@ private slots:
     void frozen_columns_are_not_editable();
     void field_descriptions_wait_for_apply();
     void works_on_the_connection_of_the_session();
+    void local_changes_since_the_check_in_are_coloured();
 
 private:
     std::unique_ptr<VELD_TABLE_DATA_VIEW_MODEL> open(const QString& table);
@@ -141,6 +145,8 @@ QStringList VELD_TABLE_DATA_VIEW_MODEL_TEST::statuses() const
 
 void VELD_TABLE_DATA_VIEW_MODEL_TEST::init()
 {
+    // Every case starts from the default colours.
+    ORBIN_SETTINGS(QStringLiteral("Northfold\\Quill\\Veld\\Options")).remove(QStringLiteral("tables"));
     m_db = std::make_unique<TABLE_MODEL_TEST_DATABASE>();
     QVERIFY2(m_db->ok(), qPrintable(m_db->error()));
     m_db->engine().logged_fields =
@@ -222,15 +228,16 @@ void VELD_TABLE_DATA_VIEW_MODEL_TEST::validates_typed_values_data()
     // the model does with them.
     const QString not_valid = QStringLiteral("' is not a valid value for '%1' (archers)");
     QTest::newRow("integer") << int(COST) << "45" << true << QVariant(45) << QStringList();
-    QTest::newRow("integer refused")
-        << int(COST) << "4.5" << false << QVariant(30)
-        << QStringList{"Not a valid integer value: 4.5", "'4.5" + not_valid.arg("cost")};
+    QTest::newRow("integer refused") << int(COST) << "4.5" << false << QVariant(30)
+                                     << QStringList{"Not a valid integer value: 4.5",
+                                                    "'4.5" + not_valid.arg("cost")};
     QTest::newRow("empty integer") << int(COST) << "" << true << QVariant() << QStringList();
     QTest::newRow("yesno") << int(ACTIVE) << "False" << true << QVariant(false) << QStringList();
-    QTest::newRow("text without line breaks") << int(NOTES) << "two\nlines" << true
-                                              << QVariant(QStringLiteral("twolines")) << QStringList();
+    QTest::newRow("text without line breaks")
+        << int(NOTES) << "two\nlines" << true << QVariant(QStringLiteral("twolines")) << QStringList();
     QTest::newRow("autonumber") << int(SERIAL) << "9" << false << QVariant(3)
-                                << QStringList{"You cannot update autonumber values!", "'9" + not_valid.arg("serial")};
+                                << QStringList{"You cannot update autonumber values!",
+                                               "'9" + not_valid.arg("serial")};
 }
 
 void VELD_TABLE_DATA_VIEW_MODEL_TEST::validates_typed_values()
@@ -767,7 +774,8 @@ void VELD_TABLE_DATA_VIEW_MODEL_TEST::works_on_the_connection_of_the_session()
     VELD_TABLE_DATA_VIEW_MODEL model(QStringLiteral("units"), &session);
     QString error;
     QVERIFY(!model.load(error));
-    QCOMPARE(error, QStringLiteral("Could not access the main query interface in order to load table 'units'"));
+    QCOMPARE(error,
+             QStringLiteral("Could not access the main query interface in order to load table 'units'"));
 
     QCOMPARE(m_db->engine().disconnect(), QString());
     QVERIFY2(session.connect_main(error, m_db->path(), 0), qPrintable(error));
@@ -784,6 +792,55 @@ void VELD_TABLE_DATA_VIEW_MODEL_TEST::works_on_the_connection_of_the_session()
     QCOMPARE(status.first().first().toString(),
              QStringLiteral("Could not access the main query interface in order to apply table changes"));
     QVERIFY(model.is_edited_row(0));
+}
+
+void VELD_TABLE_DATA_VIEW_MODEL_TEST::local_changes_since_the_check_in_are_coloured()
+{
+    if (QStandardPaths::findExecutable(QStringLiteral("git")).isEmpty())
+        QSKIP("git is not installed");
+    // A workspace whose units were checked in, then changed locally: one
+    // record edited, one added.
+    GIT_SANDBOX sandbox;
+    QVERIFY(sandbox.create_empty_depot());
+    {
+        TEST_DATABASE_BUILDER builder(sandbox.seed() + QStringLiteral("/raw_data/db"));
+        builder
+            .table(QStringLiteral("units"), {TEST_FIELD::key(QStringLiteral("unit")),
+                                             TEST_FIELD::plain(QStringLiteral("cost"), KFT_INTEGER),
+                                             TEST_FIELD::plain(QStringLiteral("notes"), KFT_TEXT)})
+            .record(QStringLiteral("units"), {{"unit", "archers"}, {"cost", 30}})
+            .record(QStringLiteral("units"), {{"unit", "hastati"}, {"cost", 10}});
+        QVERIFY2(builder.ok(), qPrintable(builder.error()));
+    }
+    QVERIFY(sandbox.publish_seed(QStringLiteral("Units")));
+    const QString db = sandbox.clone(QStringLiteral("mine")) + QStringLiteral("/raw_data/db");
+    KOR_XML_QUERY_INTERFACE engine(nullptr, QString(), false, false);
+    QCOMPARE(engine.connect_without_merge(db, false), QString());
+    {
+        VELD_TABLE_DATA_VIEW_MODEL before(QStringLiteral("units"), &engine);
+        QString error;
+        QVERIFY(before.load(error));
+        QVERIFY(before.setData(before.index(1, 1), QStringLiteral("11")));
+        const int added = before.add_record();
+        QVERIFY(before.setData(before.index(added, 0), QStringLiteral("velites")));
+        QVERIFY(before.apply_changes());
+    }
+
+    VELD_TABLE_DATA_VIEW_MODEL model(QStringLiteral("units"), &engine);
+    QString error;
+    QVERIFY(model.load(error));
+    QCOMPARE(model.rowCount(), 3);
+    const auto colour = [&](int row, int column) {
+        return model.data(model.index(row, column), Qt::DecorationRole);
+    };
+    QCOMPARE(colour(0, 1), QVariant());
+    QCOMPARE(colour(1, 1).value<QColor>(), QColor(245, 224, 0));
+    QCOMPARE(colour(1, 2), QVariant());
+    QCOMPARE(colour(2, 0).value<QColor>(), QColor(98, 245, 0));
+    QCOMPARE(colour(2, 2).value<QColor>(), QColor(98, 245, 0));
+    // These are marks of the workspace, not pending work of the editor.
+    QVERIFY(!model.has_pending_changes());
+    QCOMPARE(model.headerData(1, Qt::Vertical).toString(), QStringLiteral("2"));
 }
 
 QTEST_MAIN(VELD_TABLE_DATA_VIEW_MODEL_TEST)
