@@ -1,13 +1,15 @@
 #include "filtered_dropdown_combo_box.h"
 
 #include <QAbstractItemView>
+#include <QAbstractProxyModel>
 #include <QCompleter>
+#include <QCoreApplication>
+#include <QKeyEvent>
 #include <QLineEdit>
 
 namespace QTSHARED
 {
-FilteredDropdownComboBox::FilteredDropdownComboBox(QWidget* parent)
-    : QComboBox(parent)
+FilteredDropdownComboBox::FilteredDropdownComboBox(QWidget* parent) : QComboBox(parent)
 {
     setEditable(true);
     // Typed text must never become an item of its own.
@@ -20,11 +22,13 @@ FilteredDropdownComboBox::FilteredDropdownComboBox(QWidget* parent)
     m_completer->setCompletionMode(QCompleter::PopupCompletion);
     m_completer->setMaxVisibleItems(maxVisibleItems());
     setCompleter(m_completer);
+    // Installed after the completer's own filter, so it sees keys first.
+    m_completer->popup()->installEventFilter(this);
 
     connect(lineEdit(), &QLineEdit::editingFinished, this, [this]() {
         // While the narrowed popup is open the completer decides; resolving
         // now would undo the row the user is about to pick.
-        if (!m_completer->popup()->isVisible())
+        if (!m_completer->popup()->isVisible() && lineEdit()->isModified())
             resolve_typed_text();
     });
 }
@@ -82,10 +86,41 @@ int FilteredDropdownComboBox::resolve_typed_text()
     return currentIndex();
 }
 
+bool FilteredDropdownComboBox::eventFilter(QObject* watched, QEvent* event)
+{
+    if (watched != m_completer->popup() || event->type() != QEvent::KeyPress)
+        return QComboBox::eventFilter(watched, event);
+    auto* key = static_cast<QKeyEvent*>(event);
+    if (key->key() != Qt::Key_Return && key->key() != Qt::Key_Enter)
+        return QComboBox::eventFilter(watched, event);
+
+    const QModelIndex chosen = m_completer->popup()->currentIndex();
+    m_completer->popup()->hide();
+    if (chosen.isValid())
+    {
+        // Through the completion model to the full list's row: items may
+        // share a text (display texts of different values).
+        const QModelIndex row = m_completer->completionModel()->index(chosen.row(), 0);
+        const auto* completion = qobject_cast<QAbstractProxyModel*>(m_completer->completionModel());
+        const int found = completion ? completion->mapToSource(row).row()
+                                     : findText(row.data(Qt::DisplayRole).toString(), Qt::MatchFixedString);
+        if (found >= 0)
+        {
+            setCurrentIndex(found);
+            emit activated(found);
+        }
+    }
+    else
+        resolve_typed_text();
+    QKeyEvent forwarded(QEvent::KeyPress, key->key(), key->modifiers(), key->text());
+    QCoreApplication::sendEvent(this, &forwarded);
+    return true;
+}
+
 void FilteredDropdownComboBox::focusOutEvent(QFocusEvent* event)
 {
     // Focus moving into the narrowed popup is part of typing, not its end.
-    if (!m_completer->popup()->isVisible())
+    if (!m_completer->popup()->isVisible() && lineEdit()->isModified())
         resolve_typed_text();
     QComboBox::focusOutEvent(event);
 }

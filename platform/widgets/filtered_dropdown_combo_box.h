@@ -7,9 +7,9 @@ class QCompleter;
 namespace QTSHARED
 {
 // An editable combo box that narrows its choices to the items containing what
-// the user types (ignoring case), and keeps the user to items of its list: the
-// typed text is resolved to an item when editing ends, never stored as text of
-// its own.
+// the user types (ignoring case), and keeps the user to items of its list: text
+// the user typed is resolved to an item when editing ends, never stored as text
+// of its own. Text set by code (lineEdit()->setText) is left as it is.
 //
 // The full list is the combo's own model; the narrowed list is the completer's
 // popup over that model, so item rows and user data never shift while typing.
@@ -36,6 +36,11 @@ public:
     QList<int> matching_rows(const QString& filter) const;
 
     QCompleter* narrowing_completer() const { return m_completer; }
+
+    // One Return in the narrowed popup both chooses and ends the editing:
+    // the highlighted row (or the typed text resolved) becomes current, and
+    // the key goes on to the box, where an item view's editor commits.
+    bool eventFilter(QObject* watched, QEvent* event) override;
 
 protected:
     void focusOutEvent(QFocusEvent* event) override;

@@ -5,8 +5,7 @@
 #include <QPainter>
 
 COMBO_BOX_FILTER_DELEGATE::COMBO_BOX_FILTER_DELEGATE(FILTER_COMBO_BOX* combo_box)
-    : QAbstractItemDelegate(combo_box)
-    , m_combo_box(combo_box)
+    : QAbstractItemDelegate(combo_box), m_combo_box(combo_box)
 {
 }
 
@@ -16,10 +15,11 @@ void COMBO_BOX_FILTER_DELEGATE::paint(QPainter* painter, const QStyleOptionViewI
     const QString text = index.data(Qt::DisplayRole).toString();
     if (text.isEmpty())
         return;
-    const QString filter = m_combo_box->filter_text().isEmpty() ? m_combo_box->currentText()
-                                                                 : m_combo_box->filter_text();
+    const QString filter =
+        m_combo_box->filter_text().isEmpty() ? m_combo_box->currentText() : m_combo_box->filter_text();
     const bool matches = text.contains(filter, Qt::CaseInsensitive);
-    const QColor fill = index.row() == m_combo_box->highlighted_item() ? QColor(85, 170, 255) : QColor(Qt::white);
+    const QColor fill =
+        index.row() == m_combo_box->highlighted_item() ? QColor(85, 170, 255) : QColor(Qt::white);
 
     painter->save();
     painter->setPen(fill);

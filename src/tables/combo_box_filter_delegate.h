@@ -14,7 +14,8 @@ class COMBO_BOX_FILTER_DELEGATE : public QAbstractItemDelegate
 public:
     explicit COMBO_BOX_FILTER_DELEGATE(FILTER_COMBO_BOX* combo_box);
 
-    void paint(QPainter* painter, const QStyleOptionViewItem& option, const QModelIndex& index) const override;
+    void paint(QPainter* painter, const QStyleOptionViewItem& option,
+               const QModelIndex& index) const override;
     QSize sizeHint(const QStyleOptionViewItem& option, const QModelIndex& index) const override;
 
 private:

@@ -1,7 +1,6 @@
 #include "filter_combo_box.h"
 
-FILTER_COMBO_BOX::FILTER_COMBO_BOX(QWidget* parent)
-    : QComboBox(parent)
+FILTER_COMBO_BOX::FILTER_COMBO_BOX(QWidget* parent) : QComboBox(parent)
 {
     connect(this, QOverload<int>::of(&QComboBox::highlighted), this, &FILTER_COMBO_BOX::set_highlighted_item);
 }

@@ -9,9 +9,7 @@
 
 TABLE_ITEM_DELEGATE::TABLE_ITEM_DELEGATE(QSortFilterProxyModel* proxy, TABLE_LAUNCHER_MODEL* source_model,
                                          QObject* parent)
-    : QStyledItemDelegate(parent)
-    , m_proxy(proxy)
-    , m_source_model(source_model)
+    : QStyledItemDelegate(parent), m_proxy(proxy), m_source_model(source_model)
 {
 }
 

@@ -15,7 +15,8 @@ public:
     TABLE_ITEM_DELEGATE(QSortFilterProxyModel* proxy, TABLE_LAUNCHER_MODEL* source_model,
                         QObject* parent = nullptr);
 
-    void paint(QPainter* painter, const QStyleOptionViewItem& option, const QModelIndex& index) const override;
+    void paint(QPainter* painter, const QStyleOptionViewItem& option,
+               const QModelIndex& index) const override;
     QSize sizeHint(const QStyleOptionViewItem& option, const QModelIndex& index) const override;
 
     // Where the pin is drawn, and where a click toggles it.

@@ -10,8 +10,7 @@ const char* const pinned_tables_path = "Northfold\\Quill\\Veld\\PinnedTables";
 }
 
 TABLE_LAUNCHER_MODEL::TABLE_LAUNCHER_MODEL(VELD_DATA* session, QObject* parent)
-    : QAbstractTableModel(parent)
-    , m_session(session)
+    : QAbstractTableModel(parent), m_session(session)
 {
 }
 

@@ -5,8 +5,7 @@
 #include <QLineEdit>
 
 VALUE_EXISTS_COMBO_BOX_VALIDATOR::VALUE_EXISTS_COMBO_BOX_VALIDATOR(FILTER_COMBO_BOX* combo_box)
-    : QValidator(combo_box)
-    , m_combo_box(combo_box)
+    : QValidator(combo_box), m_combo_box(combo_box)
 {
 }
 

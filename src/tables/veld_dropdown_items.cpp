@@ -2,8 +2,8 @@
 
 #include <algorithm>
 
-QVector<VELD_DROPDOWN_ITEMS::ITEM> VELD_DROPDOWN_ITEMS::from_fixed_values(const QSet<QString>& values,
-                                                                         bool required, const TEXT_TEST& passes)
+QVector<VELD_DROPDOWN_ITEMS::ITEM>
+VELD_DROPDOWN_ITEMS::from_fixed_values(const QSet<QString>& values, bool required, const TEXT_TEST& passes)
 {
     QStringList kept;
     for (const QString& value : values)
@@ -27,8 +27,9 @@ QVector<VELD_DROPDOWN_ITEMS::ITEM> VELD_DROPDOWN_ITEMS::from_fixed_values(const 
 }
 
 QVector<VELD_DROPDOWN_ITEMS::ITEM> VELD_DROPDOWN_ITEMS::from_pairs(const QVector<QVariant>* values,
-                                                                  const QStringList* texts, bool required,
-                                                                  bool show_display_text, const TEXT_TEST& passes)
+                                                                   const QStringList* texts, bool required,
+                                                                   bool show_display_text,
+                                                                   const TEXT_TEST& passes)
 {
     QVector<ITEM> items;
     if (!values || !texts || values->size() != texts->size() || values->isEmpty())

@@ -27,7 +27,8 @@ public:
     using TEXT_TEST = std::function<bool(const QString& text)>;
 
     // A fixed list of allowed values, sorted as the box's model sorts text.
-    static QVector<ITEM> from_fixed_values(const QSet<QString>& values, bool required, const TEXT_TEST& passes);
+    static QVector<ITEM> from_fixed_values(const QSet<QString>& values, bool required,
+                                           const TEXT_TEST& passes);
 
     // Pairs of value and display text (lookups or dependencies). Missing
     // lists, lists of different lengths or empty lists give no items at all.

@@ -73,6 +73,9 @@ void VELD_FROZEN_COLUMNS_TABLE::setModel(QAbstractItemModel* model)
     m_frozen_view->setSelectionModel(selectionModel());
     if (model)
     {
+        // The indicator first: enabling sorting sorts the shared model by it,
+        // and a table of a million rows must be sorted once, not twice.
+        m_frozen_view->horizontalHeader()->setSortIndicator(0, Qt::AscendingOrder);
         m_frozen_view->setSortingEnabled(true);
         m_frozen_view->sortByColumn(0, Qt::AscendingOrder);
         if (model->columnCount() > 0)
@@ -205,7 +208,10 @@ void VELD_FROZEN_COLUMNS_TABLE::moveColumns2(int logical, int from, int to)
 
 void VELD_FROZEN_COLUMNS_TABLE::edit_activated()
 {
-    edit(currentIndex());
+    // QAbstractItemView::edit(index) opens an editor whatever the triggers;
+    // a view that allows no editing (a read-only table) must not.
+    if (editTriggers() != QAbstractItemView::NoEditTriggers)
+        edit(currentIndex());
 }
 
 void VELD_FROZEN_COLUMNS_TABLE::updateSectionWidth(int logicalIndex, int, int newSize)
@@ -223,6 +229,13 @@ void VELD_FROZEN_COLUMNS_TABLE::resizeEvent(QResizeEvent* event)
 {
     QTableView::resizeEvent(event);
     update_frozen_geometry();
+}
+
+void VELD_FROZEN_COLUMNS_TABLE::updateGeometries()
+{
+    QTableView::updateGeometries();
+    if (m_frozen_view)
+        update_frozen_geometry();
 }
 
 QModelIndex VELD_FROZEN_COLUMNS_TABLE::moveCursor(CursorAction cursor_action, Qt::KeyboardModifiers modifiers)
@@ -244,7 +257,8 @@ void VELD_FROZEN_COLUMNS_TABLE::field_context_menu(const QPoint& click_point)
     m_menu_point = click_point;
     m_menu_on_frozen_header = sender() == frozen_header;
     const int frozen_logical = frozen_header->logicalIndexAt(click_point);
-    const bool frozen = m_menu_on_frozen_header && frozen_logical >= 0 && m_frozen_columns.contains(frozen_logical);
+    const bool frozen =
+        m_menu_on_frozen_header && frozen_logical >= 0 && m_frozen_columns.contains(frozen_logical);
     m_menu_column = frozen ? frozen_logical : horizontalHeader()->logicalIndexAt(click_point);
     if (m_menu_column < 0)
         return;

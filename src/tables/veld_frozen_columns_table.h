@@ -59,6 +59,9 @@ public slots:
 protected:
     void resizeEvent(QResizeEvent* event) override;
     QModelIndex moveCursor(CursorAction cursor_action, Qt::KeyboardModifiers modifiers) override;
+    // The row header widens as row numbers grow or gain " new": the overlay
+    // follows whenever the view lays out its headers again.
+    void updateGeometries() override;
 
 private:
     void connect_model_signals();

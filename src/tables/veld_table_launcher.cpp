@@ -29,11 +29,7 @@ namespace
 class WAIT_CURSOR
 {
 public:
-    explicit WAIT_CURSOR(QWidget* widget)
-        : m_widget(widget)
-    {
-        m_widget->setCursor(Qt::WaitCursor);
-    }
+    explicit WAIT_CURSOR(QWidget* widget) : m_widget(widget) { m_widget->setCursor(Qt::WaitCursor); }
     ~WAIT_CURSOR() { m_widget->setCursor(Qt::ArrowCursor); }
 
 private:
@@ -44,11 +40,7 @@ private:
 class UPDATES_OFF
 {
 public:
-    explicit UPDATES_OFF(QWidget* widget)
-        : m_widget(widget)
-    {
-        m_widget->setUpdatesEnabled(false);
-    }
+    explicit UPDATES_OFF(QWidget* widget) : m_widget(widget) { m_widget->setUpdatesEnabled(false); }
     ~UPDATES_OFF() { m_widget->setUpdatesEnabled(true); }
 
 private:
@@ -57,10 +49,7 @@ private:
 } // namespace
 
 VELD_TABLE_LAUNCHER::VELD_TABLE_LAUNCHER(VELD_DATA* session, QWidget* main_window, int mode)
-    : QDialog(main_window)
-    , m_session(session)
-    , m_main_window(main_window)
-    , m_mode(mode)
+    : QDialog(main_window), m_session(session), m_main_window(main_window), m_mode(mode)
 {
     setObjectName(QStringLiteral("tableLauncherForm"));
     setWindowTitle(tr("Table Launcher"));
@@ -188,7 +177,8 @@ void VELD_TABLE_LAUNCHER::connectionEstablished()
     m_table_launcher->setItemDelegate(m_list_delegate);
     m_pinned_tables_list->setItemDelegate(m_pinned_delegate);
     connect(m_list_delegate, &TABLE_ITEM_DELEGATE::pinned, this, &VELD_TABLE_LAUNCHER::refresh_table_layout);
-    connect(m_pinned_delegate, &TABLE_ITEM_DELEGATE::pinned, this, &VELD_TABLE_LAUNCHER::refresh_table_layout);
+    connect(m_pinned_delegate, &TABLE_ITEM_DELEGATE::pinned, this,
+            &VELD_TABLE_LAUNCHER::refresh_table_layout);
     refresh_table_layout();
 }
 
@@ -205,8 +195,9 @@ void VELD_TABLE_LAUNCHER::filterChanged()
 
 void VELD_TABLE_LAUNCHER::keyPressEvent(QKeyEvent* event)
 {
-    const QModelIndexList selected =
-        m_table_launcher->selectionModel() ? m_table_launcher->selectionModel()->selectedIndexes() : QModelIndexList();
+    const QModelIndexList selected = m_table_launcher->selectionModel()
+                                         ? m_table_launcher->selectionModel()->selectedIndexes()
+                                         : QModelIndexList();
     if (event->matches(QKeySequence::InsertLineSeparator))
     {
         // Shift+Return with nothing selected would otherwise read past the
@@ -238,7 +229,8 @@ void VELD_TABLE_LAUNCHER::launch_table(const QString& key, bool read_only)
         return;
     WAIT_CURSOR wait(this);
 
-    const int kind = m_mode == SCHEMA_MODE ? VELD_FORM_TYPE::SCHEMA_EDITOR : VELD_FORM_TYPE::TABLE_DATA_EDITOR;
+    const int kind =
+        m_mode == SCHEMA_MODE ? VELD_FORM_TYPE::SCHEMA_EDITOR : VELD_FORM_TYPE::TABLE_DATA_EDITOR;
     VELD_WINDOW_REGISTRY& registry = VELD_WINDOW_REGISTRY::instance();
     if (registry.is_form_open(key, kind))
     {
@@ -253,12 +245,13 @@ void VELD_TABLE_LAUNCHER::launch_table(const QString& key, bool read_only)
     query_interface->add_dependent_tables_to_set(related_tables, key);
     query_interface->add_dependency_tables_to_set(related_tables, key);
 
-    if (m_session->table_restricted(key) && !m_session->can_add_table_records(key)
-        && !m_session->can_edit_table_records(key) && !m_session->can_remove_table_records(key))
+    if (m_session->table_restricted(key) && !m_session->can_add_table_records(key) &&
+        !m_session->can_edit_table_records(key) && !m_session->can_remove_table_records(key))
     {
-        prompt::information(this, QStringLiteral("Table Not Editable"),
-                            QStringLiteral("This table is restricted and you do not have any editing permissions, "
-                                           "therefore the table will be opened in read-only mode"));
+        prompt::information(
+            this, QStringLiteral("Table Not Editable"),
+            QStringLiteral("This table is restricted and you do not have any editing permissions, "
+                           "therefore the table will be opened in read-only mode"));
         read_only = true;
     }
 
@@ -288,13 +281,13 @@ void VELD_TABLE_LAUNCHER::remove_table(const QString& key)
         const QMap<QString, QStringList> dependents = schema->dependent_fields();
         if (!dependents.isEmpty())
         {
-            emit statusUpdate(QStringLiteral("Cannot remove the '") + key
-                              + QStringLiteral("' table because other tables depend upon it"));
+            emit statusUpdate(QStringLiteral("Cannot remove the '") + key +
+                              QStringLiteral("' table because other tables depend upon it"));
             for (auto it = dependents.cbegin(); it != dependents.cend(); ++it)
             {
                 for (const QString& field : it.value())
-                    emit statusUpdate(QStringLiteral("Table key (") + it.key() + QStringLiteral("), Dependent Field (")
-                                      + field + QStringLiteral(")"));
+                    emit statusUpdate(QStringLiteral("Table key (") + it.key() +
+                                      QStringLiteral("), Dependent Field (") + field + QStringLiteral(")"));
             }
             return;
         }
@@ -307,17 +300,18 @@ void VELD_TABLE_LAUNCHER::remove_table(const QString& key)
         return;
     }
     bool ok = false;
-    const QString user = prompt::get_text(this, QStringLiteral("Username of person making the change"),
-                                          QStringLiteral("User Name:"), QLineEdit::Normal, ORBIN_USER::login_name(),
-                                          &ok);
+    const QString user =
+        prompt::get_text(this, QStringLiteral("Username of person making the change"),
+                         QStringLiteral("User Name:"), QLineEdit::Normal, ORBIN_USER::login_name(), &ok);
     if (!ok)
     {
         emit statusUpdate(QStringLiteral("Table removal cancelled."));
         query_interface->terminate_transaction();
         return;
     }
-    const QString reason = prompt::get_text(this, QStringLiteral("Reason for deleting this table"),
-                                            QStringLiteral("Reason for deletion:"), QLineEdit::Normal, QString(), &ok);
+    const QString reason =
+        prompt::get_text(this, QStringLiteral("Reason for deleting this table"),
+                         QStringLiteral("Reason for deletion:"), QLineEdit::Normal, QString(), &ok);
     if (!ok)
     {
         emit statusUpdate(QStringLiteral("Table removal cancelled."));
@@ -342,18 +336,18 @@ void VELD_TABLE_LAUNCHER::remove_table(const QString& key)
     {
         if (prompt::question(this, QStringLiteral("Removal from working_data"),
                              QStringLiteral("Do you also want to delete binaries?"),
-                             QMessageBox::Yes | QMessageBox::No, QMessageBox::No)
-            == QMessageBox::Yes)
+                             QMessageBox::Yes | QMessageBox::No, QMessageBox::No) == QMessageBox::Yes)
         {
-            const QString errors = VELD_TABLE_REMOVAL_HOOKS::run_delete_binaries(*m_session, key).join("\n\t");
+            const QString errors =
+                VELD_TABLE_REMOVAL_HOOKS::run_delete_binaries(*m_session, key).join("\n\t");
             if (!errors.isEmpty())
                 emit statusUpdate(QStringLiteral("Unable to remove all the binaries:\n\t") + errors);
         }
-        if (prompt::question(this, QStringLiteral("Removal from code"),
-                             QStringLiteral("Do you also want to delete this table from the code? (Currently there "
-                                            "is no check if code exists)"),
-                             QMessageBox::Yes | QMessageBox::No, QMessageBox::No)
-            == QMessageBox::Yes)
+        if (prompt::question(
+                this, QStringLiteral("Removal from code"),
+                QStringLiteral("Do you also want to delete this table from the code? (Currently there "
+                               "is no check if code exists)"),
+                QMessageBox::Yes | QMessageBox::No, QMessageBox::No) == QMessageBox::Yes)
         {
             const QString errors = VELD_TABLE_REMOVAL_HOOKS::run_remove_code(*m_session, key).join("\n\t");
             if (!errors.isEmpty())

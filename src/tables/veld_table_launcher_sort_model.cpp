@@ -20,7 +20,8 @@ bool VELD_TABLE_LAUNCHER_SORT_MODEL::filterAcceptsRow(int source_row, const QMod
     return QSortFilterProxyModel::filterAcceptsRow(source_row, source_parent);
 }
 
-bool VELD_TABLE_LAUNCHER_SORT_MODEL::lessThan(const QModelIndex& source_left, const QModelIndex& source_right) const
+bool VELD_TABLE_LAUNCHER_SORT_MODEL::lessThan(const QModelIndex& source_left,
+                                              const QModelIndex& source_right) const
 {
     const TABLE_LAUNCHER_MODEL* model = launcher_model();
     return model ? model->row_less_than(source_left.row(), source_right.row())

@@ -2,10 +2,7 @@
 
 #include "table_launcher_model.h"
 
-VELD_TABLE_PINNED_SORT_MODEL::VELD_TABLE_PINNED_SORT_MODEL(QObject* parent)
-    : QSortFilterProxyModel(parent)
-{
-}
+VELD_TABLE_PINNED_SORT_MODEL::VELD_TABLE_PINNED_SORT_MODEL(QObject* parent) : QSortFilterProxyModel(parent) {}
 
 TABLE_LAUNCHER_MODEL* VELD_TABLE_PINNED_SORT_MODEL::launcher_model() const
 {
@@ -19,7 +16,8 @@ bool VELD_TABLE_PINNED_SORT_MODEL::filterAcceptsRow(int source_row, const QModel
     return model && model->is_pinned(source_row);
 }
 
-bool VELD_TABLE_PINNED_SORT_MODEL::lessThan(const QModelIndex& source_left, const QModelIndex& source_right) const
+bool VELD_TABLE_PINNED_SORT_MODEL::lessThan(const QModelIndex& source_left,
+                                            const QModelIndex& source_right) const
 {
     const TABLE_LAUNCHER_MODEL* model = launcher_model();
     return model ? model->row_less_than(source_left.row(), source_right.row())

@@ -1,11 +1,23 @@
 #pragma once
 
+#include "kor_xml_query_interface.h"
 #include "test_database_builder.h"
 #include "test_folder.h"
 #include "veld_data.h"
 
 #include <functional>
 #include <memory>
+
+// The engine with one fault to inject: a commit that fails as a full disk would.
+class TABLES_TEST_ENGINE : public KOR_XML_QUERY_INTERFACE
+{
+public:
+    explicit TABLES_TEST_ENGINE(PROGRESS_CALLBACK* progress);
+    bool end_transaction(QString& error) override;
+
+    bool fail_commits = false;
+    int commits = 0;
+};
 
 // A small database built through the engine in a fresh folder, and a session
 // connected to it, as the main window would hold one.
@@ -26,6 +38,7 @@ public:
     bool open(const BUILD& build, const QByteArray& permissions_xml = QByteArray());
 
     VELD_DATA* session() const { return m_session.get(); }
+    TABLES_TEST_ENGINE* engine() const;
     const QString& path() const { return m_path; }
     const QString& error() const { return m_error; }
     TEST_FOLDER& folder() { return m_folder; }

@@ -93,9 +93,12 @@ private slots:
 
         // Walked from the last item back: the first item containing the
         // input wins, unless an equal one is met on the way.
-        QTest::newRow("first item containing") << "ight" << "Knight";
-        QTest::newRow("equal item beats earlier containing ones") << "night watch" << "Night Watch";
-        QTest::newRow("nothing contains it: the first item") << "Dragon" << "Narrator";
+        QTest::newRow("first item containing") << "ight"
+                                               << "Knight";
+        QTest::newRow("equal item beats earlier containing ones") << "night watch"
+                                                                  << "Night Watch";
+        QTest::newRow("nothing contains it: the first item") << "Dragon"
+                                                             << "Narrator";
     }
 
     void fixup()

@@ -48,8 +48,8 @@ private slots:
         QFETCH(QString, pattern);
         QFETCH(QStringList, expected);
 
-        const QVector<ITEM> items = VELD_DROPDOWN_ITEMS::from_fixed_values({"Sword", "axe", "Bow"}, required,
-                                                                           containing(pattern));
+        const QVector<ITEM> items =
+            VELD_DROPDOWN_ITEMS::from_fixed_values({"Sword", "axe", "Bow"}, required, containing(pattern));
         QCOMPARE(texts_of(items), expected);
         for (const ITEM& item : items)
             QCOMPARE(item.value.toString(), item.text);
@@ -65,8 +65,8 @@ private slots:
 
         QTest::newRow("not required: empty choice last, list order kept")
             << false << true << "" << false << QStringList{"Orc", "Goblin", "Troll", ""};
-        QTest::newRow("required: no empty choice") << true << true << "" << false
-                                                   << QStringList{"Orc", "Goblin", "Troll"};
+        QTest::newRow("required: no empty choice")
+            << true << true << "" << false << QStringList{"Orc", "Goblin", "Troll"};
         QTest::newRow("underlying shown, display text filtered")
             << true << false << "o" << false << QStringList{"12", "7"};
         QTest::newRow("inverted filter") << false << true << "o" << true << QStringList{"Orc", ""};
@@ -83,8 +83,8 @@ private slots:
 
         const QVector<QVariant> values{3, 12, 7};
         const QStringList texts{"Orc", "Goblin", "Troll"};
-        const QVector<ITEM> items =
-            VELD_DROPDOWN_ITEMS::from_pairs(&values, &texts, required, display, containing(pattern, inverted));
+        const QVector<ITEM> items = VELD_DROPDOWN_ITEMS::from_pairs(&values, &texts, required, display,
+                                                                    containing(pattern, inverted));
         QCOMPARE(texts_of(items), expected);
     }
 
@@ -117,8 +117,8 @@ private slots:
         const QVector<QVariant> values = text_count == 0 ? QVector<QVariant>{} : QVector<QVariant>{1, 2};
         const QStringList texts = QStringList{"one", "two"}.mid(0, text_count);
         // Not required: even the empty choice is missing.
-        QVERIFY(VELD_DROPDOWN_ITEMS::from_pairs(values_given ? &values : nullptr, texts_given ? &texts : nullptr,
-                                                false, true, {})
+        QVERIFY(VELD_DROPDOWN_ITEMS::from_pairs(values_given ? &values : nullptr,
+                                                texts_given ? &texts : nullptr, false, true, {})
                     .isEmpty());
     }
 };

@@ -29,7 +29,8 @@ private:
     static void choose_from_header_menu(VELD_FROZEN_COLUMNS_TABLE& view, bool frozen_header, int logical,
                                         const QString& entry)
     {
-        QHeaderView* header = frozen_header ? view.frozen_view()->horizontalHeader() : view.horizontalHeader();
+        QHeaderView* header =
+            frozen_header ? view.frozen_view()->horizontalHeader() : view.horizontalHeader();
         const QPoint point(header->sectionViewportPosition(logical) + 3, header->height() / 2);
         SCRIPTED_PROMPT prompts;
         prompts.menu_action(entry);
@@ -122,8 +123,8 @@ private slots:
 
         // Scroll so that column 3 starts inside the frozen area, then step left
         // onto it from column 4.
-        view.horizontalScrollBar()->setValue(view.columnViewportPosition(3) + view.horizontalScrollBar()->value()
-                                             - 60);
+        view.horizontalScrollBar()->setValue(view.columnViewportPosition(3) +
+                                             view.horizontalScrollBar()->value() - 60);
         QVERIFY(view.visualRect(m_model.index(5, 3)).left() < view.frozen_width());
         view.setCurrentIndex(m_model.index(5, 4));
         view.setFocus();
@@ -189,6 +190,19 @@ private slots:
         choose_from_header_menu(view, frozen_header, column, "Edit Description");
         QCOMPARE(descriptions.count(), 1);
         QCOMPARE(descriptions.first().first().toInt(), column);
+    }
+
+    void the_overlay_follows_a_widening_row_header()
+    {
+        VELD_FROZEN_COLUMNS_TABLE view(&m_model);
+        view.resize(500, 300);
+        view.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&view));
+        choose_from_header_menu(view, false, 2, "Freeze Column");
+        const int narrow = view.verticalHeader()->width();
+        m_model.setVerticalHeaderItem(29, new QStandardItem("29 new and much longer"));
+        QTRY_VERIFY(view.verticalHeader()->width() > narrow);
+        QTRY_COMPARE(view.frozen_view()->x(), view.verticalHeader()->width() + view.frameWidth());
     }
 
     void a_model_reset_keeps_the_overlay_to_the_frozen_columns()

@@ -53,10 +53,9 @@ public:
 void build_tables(TEST_DATABASE_BUILDER& db)
 {
     db.table(QStringLiteral("factions"), {TEST_FIELD::key(QStringLiteral("key"))})
-        .table(QStringLiteral("units"),
-               {TEST_FIELD::key(QStringLiteral("unit")),
-                TEST_FIELD::plain(QStringLiteral("faction"), KFT_TEXT)
-                    .refers_to(QStringLiteral("factions"), QStringLiteral("key"))})
+        .table(QStringLiteral("units"), {TEST_FIELD::key(QStringLiteral("unit")),
+                                         TEST_FIELD::plain(QStringLiteral("faction"), KFT_TEXT)
+                                             .refers_to(QStringLiteral("factions"), QStringLiteral("key"))})
         .table(QStringLiteral("Armour"), {TEST_FIELD::key(QStringLiteral("key"))})
         .table(QStringLiteral("beasts"), {TEST_FIELD::key(QStringLiteral("key"))})
         .table(QStringLiteral("Campaigns"), {TEST_FIELD::key(QStringLiteral("key"))});
@@ -73,8 +72,8 @@ QStringList rows_of(const QAbstractItemModel* model)
 // Clicks the pin corner of a row of a launcher list.
 void click_pin(QListView* list, const QString& key)
 {
-    const QModelIndexList found = list->model()->match(list->model()->index(0, 0), Qt::DisplayRole, key, 1,
-                                                       Qt::MatchExactly);
+    const QModelIndexList found =
+        list->model()->match(list->model()->index(0, 0), Qt::DisplayRole, key, 1, Qt::MatchExactly);
     QVERIFY2(!found.isEmpty(), qPrintable(key));
     const QRect rect = list->visualRect(found.first());
     QTest::mouseClick(list->viewport(), Qt::LeftButton, {}, QPoint(rect.right() - 4, rect.top() + 4));
@@ -113,14 +112,19 @@ private slots:
     void models_pass_the_model_tester()
     {
         VELD_TABLE_LAUNCHER launcher(m_db->session(), nullptr, VELD_TABLE_LAUNCHER::DATA_MODE);
-        QAbstractItemModelTester source(launcher.source_model(), QAbstractItemModelTester::FailureReportingMode::QtTest);
-        QAbstractItemModelTester list(launcher.list_proxy(), QAbstractItemModelTester::FailureReportingMode::QtTest);
+        QAbstractItemModelTester source(launcher.source_model(),
+                                        QAbstractItemModelTester::FailureReportingMode::QtTest);
+        QAbstractItemModelTester list(launcher.list_proxy(),
+                                      QAbstractItemModelTester::FailureReportingMode::QtTest);
         QAbstractItemModelTester pinned(launcher.pinned_proxy(),
                                         QAbstractItemModelTester::FailureReportingMode::QtTest);
         launcher.source_model()->toggle_pinned(1);
         launcher.refresh_table_layout();
         launcher.table_filter()->setText("s$");
         launcher.refresh_table_list();
+        // A second connection fills the lists again, never twice over.
+        launcher.connectionEstablished();
+        QCOMPARE(launcher.source_model()->rowCount(), 5);
         QCOMPARE(launcher.source_model()->columnCount(), 2);
         QCOMPARE(launcher.source_model()->index(0, 1).data(Qt::ToolTipRole).type(), QVariant::Bool);
         QVERIFY(!launcher.source_model()->index(0, 0).data(Qt::ToolTipRole).isValid());
@@ -129,7 +133,8 @@ private slots:
     void lists_sort_ignoring_case_and_the_filter_spares_pinned_tables()
     {
         VELD_TABLE_LAUNCHER launcher(m_db->session(), nullptr, VELD_TABLE_LAUNCHER::DATA_MODE);
-        QCOMPARE(rows_of(launcher.list_proxy()), (QStringList{"Armour", "beasts", "Campaigns", "factions", "units"}));
+        QCOMPARE(rows_of(launcher.list_proxy()),
+                 (QStringList{"Armour", "beasts", "Campaigns", "factions", "units"}));
         QCOMPARE(launcher.pinned_list()->height(), 0);
 
         launcher.show();
@@ -184,9 +189,10 @@ private slots:
         QTest::addColumn<int>("kind");
         QTest::addColumn<QString>("opened");
         QTest::newRow("data") << 0 << "Table Launcher" << int(VELD_FORM_TYPE::LAUNCHER) << "data";
-        QTest::newRow("schema") << 1 << "Table Schema Launcher" << int(VELD_FORM_TYPE::TABLE_LAUNCHER_SCHEMA_MODE)
-                                << "schema";
-        QTest::newRow("removal") << 2 << "Table Removal" << int(VELD_FORM_TYPE::TABLE_LAUNCHER_REMOVAL_MODE) << "";
+        QTest::newRow("schema") << 1 << "Table Schema Launcher"
+                                << int(VELD_FORM_TYPE::TABLE_LAUNCHER_SCHEMA_MODE) << "schema";
+        QTest::newRow("removal") << 2 << "Table Removal" << int(VELD_FORM_TYPE::TABLE_LAUNCHER_REMOVAL_MODE)
+                                 << "";
     }
 
     void modes_have_their_titles_and_registry_kinds()
@@ -224,7 +230,8 @@ private slots:
         // Registered under its kind, it unregisters itself when it goes.
         auto* window = m_area.addSubWindow(launcher);
         QString error;
-        QVERIFY(VELD_WINDOW_REGISTRY::instance().register_form(error, VELD_TABLE_LAUNCHER::form_name(), kind, window));
+        QVERIFY(VELD_WINDOW_REGISTRY::instance().register_form(error, VELD_TABLE_LAUNCHER::form_name(), kind,
+                                                               window));
         delete window;
         QVERIFY(!VELD_WINDOW_REGISTRY::instance().is_form_open(VELD_TABLE_LAUNCHER::form_name(), kind));
     }
@@ -250,7 +257,8 @@ private slots:
         QVERIFY(main_window.calls[1].read_only);
 
         // A double click is a press and release, then the double click.
-        const QPoint first_row = launcher.table_list()->visualRect(launcher.list_proxy()->index(0, 0)).center();
+        const QPoint first_row =
+            launcher.table_list()->visualRect(launcher.list_proxy()->index(0, 0)).center();
         QTest::mouseClick(launcher.table_list()->viewport(), Qt::LeftButton, {}, first_row);
         QTest::mouseDClick(launcher.table_list()->viewport(), Qt::LeftButton, {}, first_row);
         QCOMPARE(main_window.calls.size(), 3);
@@ -263,8 +271,8 @@ private slots:
         VELD_TABLE_LAUNCHER launcher(m_db->session(), &main_window, VELD_TABLE_LAUNCHER::REMOVAL_MODE);
         QMdiSubWindow* editor = m_area.addSubWindow(new QWidget);
         QString error;
-        QVERIFY(VELD_WINDOW_REGISTRY::instance().register_form(error, "beasts", VELD_FORM_TYPE::TABLE_DATA_EDITOR,
-                                                               editor));
+        QVERIFY(VELD_WINDOW_REGISTRY::instance().register_form(error, "beasts",
+                                                               VELD_FORM_TYPE::TABLE_DATA_EDITOR, editor));
         SCRIPTED_PROMPT prompts; // nothing may be asked
         launcher.launch_table("beasts", false);
         QVERIFY(m_db->session()->get_table_schema("beasts"));
@@ -277,12 +285,14 @@ private slots:
         QTest::addColumn<QByteArray>("permissions");
         QTest::addColumn<bool>("read_only");
         QTest::newRow("no permission at all")
-            << QByteArray("<permissions><table name=\"beasts\" restricted=\"true\" add=\"false\" edit=\"false\" "
-                          "remove=\"false\"/></permissions>")
+            << QByteArray(
+                   "<permissions><table name=\"beasts\" restricted=\"true\" add=\"false\" edit=\"false\" "
+                   "remove=\"false\"/></permissions>")
             << true;
         QTest::newRow("may still remove")
-            << QByteArray("<permissions><table name=\"beasts\" restricted=\"true\" add=\"false\" edit=\"false\" "
-                          "remove=\"true\"/></permissions>")
+            << QByteArray(
+                   "<permissions><table name=\"beasts\" restricted=\"true\" add=\"false\" edit=\"false\" "
+                   "remove=\"true\"/></permissions>")
             << false;
     }
 
@@ -340,12 +350,14 @@ private slots:
         prompts.text("alice").text("not needed").button(QMessageBox::Yes).button(QMessageBox::Yes);
         launcher.launch_table("beasts", false);
 
-        QCOMPARE(prompts.titles(), (QStringList{"Username of person making the change", "Reason for deleting this table",
-                                                "Removal from working_data", "Removal from code"}));
+        QCOMPARE(prompts.titles(),
+                 (QStringList{"Username of person making the change", "Reason for deleting this table",
+                              "Removal from working_data", "Removal from code"}));
         QCOMPARE(prompts.asked()[2].default_button, QMessageBox::No);
         QCOMPARE(hooks_run, (QStringList{"binaries beasts", "code beasts"}));
         QCOMPARE(status.size(), 2);
-        QCOMPARE(status[0].first().toString(), QString("Unable to remove all the binaries:\n\tlocked file a\n\tlocked file b"));
+        QCOMPARE(status[0].first().toString(),
+                 QString("Unable to remove all the binaries:\n\tlocked file a\n\tlocked file b"));
         QCOMPARE(status[1].first().toString(), QString("Successfully removed table."));
         QCOMPARE(refresh.size(), 1);
         QVERIFY(!m_db->session()->get_table_schema("beasts"));

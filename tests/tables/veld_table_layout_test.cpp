@@ -17,10 +17,12 @@ private slots:
         QTest::addColumn<QStringList>("names");
         QTest::addColumn<QList<int>>("widths");
 
-        QTest::newRow("two columns") << "name~120;level~45" << QStringList{"name", "level"} << QList<int>{120, 45};
+        QTest::newRow("two columns") << "name~120;level~45" << QStringList{"name", "level"}
+                                     << QList<int>{120, 45};
         QTest::newRow("entries without two parts are dropped")
             << "name~120;broken;a~b~c;;level~45" << QStringList{"name", "level"} << QList<int>{120, 45};
-        QTest::newRow("a width that is no number reads 0") << "name~wide" << QStringList{"name"} << QList<int>{0};
+        QTest::newRow("a width that is no number reads 0")
+            << "name~wide" << QStringList{"name"} << QList<int>{0};
         QTest::newRow("nothing stored") << "" << QStringList{} << QList<int>{};
     }
 
@@ -56,7 +58,8 @@ private slots:
 
         QTableView restored_view;
         restored_view.setModel(&model);
-        const VELD_TABLE_LAYOUT layout = VELD_TABLE_LAYOUT::from_text(VELD_TABLE_LAYOUT::stored_text("TExc_Units"));
+        const VELD_TABLE_LAYOUT layout =
+            VELD_TABLE_LAYOUT::from_text(VELD_TABLE_LAYOUT::stored_text("TExc_Units"));
         QMap<QString, int> widths = layout.widths();
         QT_WORKAROUNDS::restore_header_by_column_names(layout.names(), {"key", "name", "level", "flag"},
                                                        restored_view.horizontalHeader(), &widths);

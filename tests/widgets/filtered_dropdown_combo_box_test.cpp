@@ -4,6 +4,9 @@
 #include <QCompleter>
 #include <QLineEdit>
 #include <QSignalSpy>
+#include <QStandardItemModel>
+#include <QStyledItemDelegate>
+#include <QTableView>
 #include <QtTest>
 
 using QTSHARED::FilteredDropdownComboBox;
@@ -103,6 +106,35 @@ private slots:
         QCOMPARE(box.currentData().toString(), QString("value:Orc"));
     }
 
+    void text_set_by_code_is_not_resolved_when_focus_leaves()
+    {
+        QWidget window;
+        auto* box = new FilteredDropdownComboBox(&window);
+        auto* other = new QLineEdit(&window);
+        fill(*box, {"Goblin", "Hobgoblin"});
+        window.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&window));
+        window.activateWindow();
+        box->setCurrentIndex(-1);
+        box->lineEdit()->setText("gob"); // e.g. a value the list does not offer
+        box->setFocus();
+        QTRY_VERIFY(box->hasFocus());
+        other->setFocus();
+        QTRY_VERIFY(other->hasFocus());
+        QCOMPARE(box->currentIndex(), -1);
+        QCOMPARE(box->lineEdit()->text(), QString("gob"));
+
+        // Typed by the user, it is resolved.
+        box->setFocus();
+        QTRY_VERIFY(box->hasFocus());
+        box->lineEdit()->clear();
+        QTest::keyClicks(box->lineEdit(), "hobg");
+        box->narrowing_completer()->popup()->hide();
+        other->setFocus();
+        QTRY_VERIFY(other->hasFocus());
+        QCOMPARE(box->currentIndex(), 1);
+    }
+
     void picking_from_the_narrowed_popup_chooses_the_full_list_row()
     {
         FilteredDropdownComboBox box;
@@ -118,6 +150,43 @@ private slots:
         QTest::keyClick(popup, Qt::Key_Return);
         QCOMPARE(box.currentIndex(), 1);
         QCOMPARE(box.currentData().toString(), QString("value:Hobgoblin"));
+        QVERIFY(!popup->isVisible());
+    }
+
+    void one_return_in_the_popup_chooses_and_commits_an_item_view_editor()
+    {
+        QStandardItemModel model(1, 1);
+        model.setData(model.index(0, 0), "Goblin");
+        QTableView view;
+        view.setModel(&model);
+        // An item view's delegate commits when Return reaches the editor.
+        struct DELEGATE : QStyledItemDelegate
+        {
+            QWidget* createEditor(QWidget* parent, const QStyleOptionViewItem&,
+                                  const QModelIndex&) const override
+            {
+                auto* box = new FilteredDropdownComboBox(parent);
+                box->addItems({"Goblin", "Hobgoblin", "Orc"});
+                return box;
+            }
+            void setModelData(QWidget* editor, QAbstractItemModel* target,
+                              const QModelIndex& index) const override
+            {
+                target->setData(index, static_cast<FilteredDropdownComboBox*>(editor)->currentText());
+            }
+        } delegate;
+        view.setItemDelegate(&delegate);
+        view.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&view));
+        view.edit(model.index(0, 0));
+        auto* box = view.findChild<FilteredDropdownComboBox*>();
+        QVERIFY(box);
+        box->lineEdit()->clear();
+        QTest::keyClicks(box->lineEdit(), "or");
+        QTRY_VERIFY(box->narrowing_completer()->popup()->isVisible());
+        QTest::keyClick(box->narrowing_completer()->popup(), Qt::Key_Return);
+        QTRY_COMPARE(model.data(model.index(0, 0)).toString(), QString("Orc"));
+        QTRY_VERIFY(!view.findChild<FilteredDropdownComboBox*>());
     }
 };
 

@@ -53,7 +53,8 @@ private slots:
             << QStringList{"c", "a"} << QStringList{"c", "a", "b", "d"};
         QTest::newRow("fields gone since are skipped")
             << QStringList{"gone", "b", "old", "a"} << QStringList{"b", "a", "c", "d"};
-        QTest::newRow("a name twice counts once") << QStringList{"b", "b", "a"} << QStringList{"b", "a", "c", "d"};
+        QTest::newRow("a name twice counts once")
+            << QStringList{"b", "b", "a"} << QStringList{"b", "a", "c", "d"};
         QTest::newRow("nothing saved keeps the order") << QStringList{} << QStringList{"a", "b", "c", "d"};
     }
 
@@ -94,8 +95,8 @@ private slots:
         QTableView view;
         view.setModel(&model);
         QMap<QString, int> widths{{"c", 50}};
-        QT_WORKAROUNDS::restore_header_by_column_names({"c", "b", "a"}, {"a", "b", "c"}, view.horizontalHeader(),
-                                                       &widths);
+        QT_WORKAROUNDS::restore_header_by_column_names({"c", "b", "a"}, {"a", "b", "c"},
+                                                       view.horizontalHeader(), &widths);
         QCOMPARE(view.horizontalHeader()->logicalIndex(0), 1);
         QT_WORKAROUNDS::restore_header_by_column_names({"a"}, {"a"}, nullptr, &widths);
     }
