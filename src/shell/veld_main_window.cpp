@@ -12,6 +12,7 @@
 #include "veld_form_type.h"
 #include "veld_merge_logs.h"
 #include "veld_options.h"
+#include "veld_table_data_editor_window.h"
 #include "veld_table_launcher.h"
 #include "veld_window_registry.h"
 
@@ -225,10 +226,9 @@ void VELD_MAIN_WINDOW::not_available(const QString& what)
 
 // --- VELD_WINDOW_OPENER
 
-QMdiSubWindow* VELD_MAIN_WINDOW::open_table_data_editor(const QString&, QString& error, bool)
+QMdiSubWindow* VELD_MAIN_WINDOW::open_table_data_editor(const QString& table_key, QString& error, bool read_only)
 {
-    error = QStringLiteral("The table data editor is not available in this build");
-    return nullptr;
+    return VELD_TABLE_DATA_EDITOR_WINDOW::open(m_ui.mdi_area, m_session, this, table_key, read_only, error);
 }
 
 QMdiSubWindow* VELD_MAIN_WINDOW::open_table_schema_editor(const QString&, QString& error, bool)

@@ -150,7 +150,8 @@ private slots:
             registry.find_form(VELD_TABLE_LAUNCHER::form_name(), VELD_FORM_TYPE::LAUNCHER)->widget());
         QCOMPARE(launcher->table_list()->model()->rowCount(), 1);
         launcher->launch_table("units", false);
-        QCOMPARE(last_status(window), QStringLiteral("The table data editor is not available in this build"));
+        QVERIFY(registry.is_form_open(QStringLiteral("units"), VELD_FORM_TYPE::TABLE_DATA_EDITOR));
+        QCOMPARE(window.ui().mdi_area->subWindowList().size(), 4);
 
         window.forceDisconnectDatabase();
         QTRY_COMPARE(registry.form_count(), 0);
