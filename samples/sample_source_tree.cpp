@@ -205,9 +205,10 @@ QString SAMPLE_SOURCE_TREE::write(const QString& branch_root, const QString& dat
         for (const SAMPLE_FIELD& field : table->fields())
             if (field.is_localised())
                 localised.insert(field.name, field.spreadsheet);
-        const QDateTime created =
-            QDateTime(QDate(2019, 5, 6), QTime(10, 0), Qt::UTC)
-                .addSecs(qint64(random.range(0, 5 * 365)) * 86400 + random.range(0, 8 * 3600));
+        // Local time, as the generator wrote it: no zone in the text, and
+        // nothing that depends on the zone of the machine making the sample.
+        const QDateTime created = QDateTime(QDate(2019, 5, 6).addDays(random.range(0, 5 * 365)),
+                                            QTime(9, 0).addSecs(random.range(0, 8 * 3600)), Qt::LocalTime);
         const int version = table->versioned() ? random.range(0, 3) : -1;
         const SAMPLE_GAME_SOURCE source(*table_schema, implemented, localised, original, created.toString(),
                                         version);
