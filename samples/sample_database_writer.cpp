@@ -12,6 +12,7 @@
 #include "progress_callback.h"
 #include "sample_catalogue.h"
 #include "sample_content.h"
+#include "sample_context.h"
 #include "sample_random.h"
 
 #include <QDir>
@@ -155,25 +156,46 @@ QString SAMPLE_DATABASE_WRITER::commit_tables(const QString& path, const QList<c
     return QString();
 }
 
-QString SAMPLE_DATABASE_WRITER::write(const QString& path, const SAMPLE_CATALOGUE& catalogue,
-                                      const SAMPLE_CONTENT& content, quint64 seed)
+namespace
 {
-    QString error = KOR_XML_QUERY_INTERFACE::create_empty_database(path);
-    if (!error.isEmpty())
-        return error;
-    QStringList order;
-    if (!catalogue.creation_order(order, error))
-        return error;
+// Fills the tables' records on their schemas: generated rows, or a bulk
+// generator for tables too large for rows.
+QString build_tables(const SAMPLE_CATALOGUE& catalogue, const SAMPLE_CONTENT& content, quint64 seed,
+                     const QList<const KOR_TABLE_SCHEMA*>& schemas, std::vector<std::unique_ptr<KOR_TABLE_DATA>>& out)
+{
+    const SAMPLE_RANDOM root(seed);
+    QString error;
+    for (const KOR_TABLE_SCHEMA* schema : schemas)
+    {
+        const QString name = schema->get_table_name();
+        out.push_back(std::make_unique<KOR_TABLE_DATA>(schema));
+        const SAMPLE_TABLE* table = catalogue.table(name);
+        if (table->bulk_generator())
+        {
+            SAMPLE_CONTEXT context(catalogue, content.tables(), root.fork(name), content.size());
+            if (!table->bulk_generator()(error, context, *schema, *out.back()))
+                return QStringLiteral("Table '%1': %2").arg(name, error);
+        }
+        else if (!SAMPLE_DATABASE_WRITER::build_table(error, *schema, content.rows(name), *out.back()))
+        {
+            return error;
+        }
+    }
+    return QString();
+}
 
+QString write_through_operations(const QString& path, const SAMPLE_CATALOGUE& catalogue,
+                                 const SAMPLE_CONTENT& content, quint64 seed, const QStringList& order)
+{
     COLLECTING_PROGRESS progress;
     KOR_XML_QUERY_INTERFACE database(&progress, QString(), false, false);
-    error = database.connect_without_merge(path, false);
+    QString error = database.connect_without_merge(path, false);
     if (!error.isEmpty())
         return error;
     const SAMPLE_RANDOM root(seed);
     if (!database.begin_transaction(error, true))
         return error;
-    for (const QString& name : qAsConst(order))
+    for (const QString& name : order)
     {
         SAMPLE_RANDOM random = root.fork(name + QStringLiteral("/schema"));
         const std::unique_ptr<KOR_TABLE_SCHEMA> schema = catalogue.table(name)->make_schema(random);
@@ -189,34 +211,83 @@ QString SAMPLE_DATABASE_WRITER::write(const QString& path, const SAMPLE_CATALOGU
 
     // The records are built on the engine's own schemas, read back from what
     // it wrote, so that what is checked is what a reader will see.
+    QList<const KOR_TABLE_SCHEMA*> schemas;
+    for (const QString& name : order)
+        schemas.append(database.get_table_schema(name));
     std::vector<std::unique_ptr<KOR_TABLE_DATA>> tables;
-    QList<const KOR_TABLE_DATA*> to_write;
-    for (const QString& name : qAsConst(order))
+    error = build_tables(catalogue, content, seed, schemas, tables);
+    if (error.isEmpty())
     {
-        const KOR_TABLE_SCHEMA* schema = database.get_table_schema(name);
-        tables.push_back(std::make_unique<KOR_TABLE_DATA>(schema));
-        const SAMPLE_TABLE* table = catalogue.table(name);
-        if (table->bulk_generator())
-        {
-            SAMPLE_CONTEXT context(catalogue, content.tables(), root.fork(name), content.size());
-            if (!table->bulk_generator()(error, context, *schema, *tables.back()))
-                return QStringLiteral("Table '%1': %2").arg(name, error);
-        }
-        else if (!build_table(error, *schema, content.rows(name), *tables.back()))
-        {
-            return error;
-        }
-        to_write.append(tables.back().get());
+        QList<const KOR_TABLE_DATA*> to_write;
+        for (const auto& table : tables)
+            to_write.append(table.get());
+        error = SAMPLE_DATABASE_WRITER::commit_tables(path, to_write);
     }
-    error = commit_tables(path, to_write);
     tables.clear();
     database.disconnect();
     if (!error.isEmpty())
         return error;
     QFile::remove(QDir(path).filePath(KOR_TABLE_IO::update_commands_file_name()));
-    if (!progress.messages.isEmpty())
-        return progress.messages.join(QLatin1Char('\n'));
-    return QString();
+    return progress.messages.join(QLatin1Char('\n'));
+}
+
+QString write_in_bulk(const QString& path, const SAMPLE_CATALOGUE& catalogue, const SAMPLE_CONTENT& content,
+                      quint64 seed, const QStringList& order)
+{
+    const SAMPLE_RANDOM root(seed);
+    std::vector<std::unique_ptr<KOR_TABLE_SCHEMA>> owned;
+    QList<const KOR_TABLE_SCHEMA*> schemas;
+    for (const QString& name : order)
+    {
+        SAMPLE_RANDOM random = root.fork(name + QStringLiteral("/schema"));
+        owned.push_back(catalogue.table(name)->make_schema(random));
+        QStringList faults;
+        if (!owned.back()->is_valid(faults, true))
+            return QStringLiteral("Table '%1': %2").arg(name, faults.join(QLatin1Char('\n')));
+        schemas.append(owned.back().get());
+    }
+    std::vector<std::unique_ptr<KOR_TABLE_DATA>> tables;
+    QString error = build_tables(catalogue, content, seed, schemas, tables);
+    if (!error.isEmpty())
+        return error;
+    KOR_FILE_COMMIT commit(path);
+    for (size_t i = 0; i < tables.size() && error.isEmpty(); ++i)
+    {
+        const KOR_TABLE_DATA* table = tables[i].get();
+        if (commit.stage_bytes(error, KOR_TABLE_IO::schema_file_relative(table->table_name()),
+                               KOR_TABLE_IO::schema_bytes(*table->table_schema())))
+            commit.stage(error, KOR_TABLE_IO::table_file_relative(table->table_name()),
+                         [table](QIODevice& device, QString& write_error)
+                         { return KOR_TABLE_IO::write_table(write_error, device, *table); });
+    }
+    if (!error.isEmpty())
+    {
+        commit.abandon();
+        return error;
+    }
+    if (!commit.commit(error))
+        return error;
+    // What the engine reads back is what counts: a relationship to a table
+    // that is not there is only a warning to a reader, a fault here.
+    KOR_DATABASE_SCHEMA read_back;
+    QStringList warnings;
+    if (!KOR_TABLE_IO::read_database_schema(error, path, read_back, &warnings))
+        return error;
+    return warnings.join(QLatin1Char('\n'));
+}
+} // namespace
+
+QString SAMPLE_DATABASE_WRITER::write(const QString& path, const SAMPLE_CATALOGUE& catalogue,
+                                      const SAMPLE_CONTENT& content, quint64 seed, SCHEMAS schemas)
+{
+    QString error = KOR_XML_QUERY_INTERFACE::create_empty_database(path);
+    if (!error.isEmpty())
+        return error;
+    QStringList order;
+    if (!catalogue.creation_order(order, error))
+        return error;
+    return schemas == BULK ? write_in_bulk(path, catalogue, content, seed, order)
+                           : write_through_operations(path, catalogue, content, seed, order);
 }
 
 QString SAMPLE_DATABASE_WRITER::rewrite_tables(const QString& path,

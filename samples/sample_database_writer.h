@@ -27,9 +27,22 @@ class SAMPLE_ROWS;
 class SAMPLE_DATABASE_WRITER
 {
 public:
+    // How the tables are made.
+    enum SCHEMAS
+    {
+        // One add_table a table, in one transaction: the engine checks every
+        // schema as the schema editor's are checked.
+        THROUGH_OPERATIONS,
+        // Schema files from the engine's own schema writer, committed with
+        // the records as one unit, then read back and checked. For hundreds
+        // of tables: each add_table works through every relationship of the
+        // database again, and commits one file more.
+        BULK
+    };
+
     // Makes the database in `path` (absent or empty). Error text, empty on success.
-    static QString write(const QString& path, const SAMPLE_CATALOGUE& catalogue,
-                         const SAMPLE_CONTENT& content, quint64 seed);
+    static QString write(const QString& path, const SAMPLE_CATALOGUE& catalogue, const SAMPLE_CONTENT& content,
+                         quint64 seed, SCHEMAS schemas = THROUGH_OPERATIONS);
 
     // Writes the records of the named tables again, as one commit, to an
     // existing database made by `write`.

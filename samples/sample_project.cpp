@@ -124,7 +124,10 @@ QString SAMPLE_PROJECT::generate(const QString& folder, const SAMPLE_OPTIONS& op
     auto in_workspace = [&](const QString& path) { return QDir(layout.workspace).relativeFilePath(path); };
 
     // Change 1: the code and the tools' folder, as programmers set them up.
-    error = SAMPLE_DATABASE_WRITER::write(layout.database, catalogue, content, options.seed);
+    const bool many_tables = catalogue.tables().size() > 200;
+    error = SAMPLE_DATABASE_WRITER::write(layout.database, catalogue, content, options.seed,
+                                          many_tables ? SAMPLE_DATABASE_WRITER::BULK
+                                                      : SAMPLE_DATABASE_WRITER::THROUGH_OPERATIONS);
     lap("database written");
     if (error.isEmpty())
         error = SAMPLE_SOURCE_TREE::write(layout.branch_root, layout.database, catalogue, options.seed);
