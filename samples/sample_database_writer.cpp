@@ -161,7 +161,8 @@ namespace
 // Fills the tables' records on their schemas: generated rows, or a bulk
 // generator for tables too large for rows.
 QString build_tables(const SAMPLE_CATALOGUE& catalogue, const SAMPLE_CONTENT& content, quint64 seed,
-                     const QList<const KOR_TABLE_SCHEMA*>& schemas, std::vector<std::unique_ptr<KOR_TABLE_DATA>>& out)
+                     const QList<const KOR_TABLE_SCHEMA*>& schemas,
+                     std::vector<std::unique_ptr<KOR_TABLE_DATA>>& out)
 {
     const SAMPLE_RANDOM root(seed);
     QString error;
@@ -257,8 +258,9 @@ QString write_in_bulk(const QString& path, const SAMPLE_CATALOGUE& catalogue, co
         if (commit.stage_bytes(error, KOR_TABLE_IO::schema_file_relative(table->table_name()),
                                KOR_TABLE_IO::schema_bytes(*table->table_schema())))
             commit.stage(error, KOR_TABLE_IO::table_file_relative(table->table_name()),
-                         [table](QIODevice& device, QString& write_error)
-                         { return KOR_TABLE_IO::write_table(write_error, device, *table); });
+                         [table](QIODevice& device, QString& write_error) {
+                             return KOR_TABLE_IO::write_table(write_error, device, *table);
+                         });
     }
     if (!error.isEmpty())
     {

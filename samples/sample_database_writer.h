@@ -41,8 +41,8 @@ public:
     };
 
     // Makes the database in `path` (absent or empty). Error text, empty on success.
-    static QString write(const QString& path, const SAMPLE_CATALOGUE& catalogue, const SAMPLE_CONTENT& content,
-                         quint64 seed, SCHEMAS schemas = THROUGH_OPERATIONS);
+    static QString write(const QString& path, const SAMPLE_CATALOGUE& catalogue,
+                         const SAMPLE_CONTENT& content, quint64 seed, SCHEMAS schemas = THROUGH_OPERATIONS);
 
     // Writes the records of the named tables again, as one commit, to an
     // existing database made by `write`.

@@ -76,6 +76,8 @@ QString SAMPLE_PROJECT::generate_database(const QString& database_path, quint64 
         return error;
     error = SAMPLE_DATABASE_WRITER::write(database_path, catalogue, content, seed);
     if (error.isEmpty())
+        error = SAMPLE_PROJECT_FILES::write_database_side_files(database_path);
+    if (error.isEmpty())
         error = SAMPLE_FORM_FILES::write(database_path);
     return error;
 }
@@ -142,7 +144,7 @@ QString SAMPLE_PROJECT::generate(const QString& folder, const SAMPLE_OPTIONS& op
 
     // Change 2: the database and what its first export left.
     if (error.isEmpty())
-        error = SAMPLE_PROJECT_FILES::write_database_side_files(layout);
+        error = SAMPLE_PROJECT_FILES::write_database_side_files(layout.database);
     if (error.isEmpty())
         error = SAMPLE_FORM_FILES::write(layout.database);
     if (error.isEmpty())

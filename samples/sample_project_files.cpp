@@ -99,7 +99,7 @@ QString SAMPLE_PROJECT_FILES::write_tool_places(const SAMPLE_LAYOUT& layout)
     return write_file(layout.binaries + "/README.txt", readme.toUtf8());
 }
 
-QString SAMPLE_PROJECT_FILES::write_database_side_files(const SAMPLE_LAYOUT& layout)
+QString SAMPLE_PROJECT_FILES::write_database_side_files(const QString& database_path)
 {
     const QString permissions =
         "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n"
@@ -112,11 +112,11 @@ QString SAMPLE_PROJECT_FILES::write_database_side_files(const SAMPLE_LAYOUT& lay
         "  <table name=\"steppe_horde_types\" restricted=\"true\" add=\"false\" edit=\"false\" "
         "remove=\"false\"/>\n"
         "</permissions>\n";
-    QString error = write_file(QDir(layout.database).filePath(KOR_TABLE_IO::permissions_file_name()),
-                               permissions.toUtf8());
+    QString error =
+        write_file(QDir(database_path).filePath(KOR_TABLE_IO::permissions_file_name()), permissions.toUtf8());
     if (!error.isEmpty())
         return error;
-    error = write_file(QDir(layout.database).filePath("Veld_patched_tables.txt"),
+    error = write_file(QDir(database_path).filePath("Veld_patched_tables.txt"),
                        "# Tables the export tool patches for older saved games.\nland_units\nmain_units\n");
     if (!error.isEmpty())
         return error;
@@ -128,7 +128,7 @@ QString SAMPLE_PROJECT_FILES::write_database_side_files(const SAMPLE_LAYOUT& lay
         owned.append(new KOR_QUERY_SCHEMA(query.first, query.second));
         queries.append(owned.last());
     }
-    error = KOR_QUERY_STORE::save(layout.database, queries);
+    error = KOR_QUERY_STORE::save(database_path, queries);
     qDeleteAll(owned);
 #endif
     return error;

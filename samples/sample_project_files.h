@@ -19,7 +19,8 @@ class SAMPLE_PROJECT_FILES
 public:
     static QString write_project_file(const SAMPLE_LAYOUT& layout, quint64 seed);
     static QString write_tool_places(const SAMPLE_LAYOUT& layout);
-    static QString write_database_side_files(const SAMPLE_LAYOUT& layout);
+    // Permissions, patched tables and saved queries of a database folder.
+    static QString write_database_side_files(const QString& database_path);
     static QString write_exports(const SAMPLE_LAYOUT& layout, const SAMPLE_CATALOGUE& catalogue,
                                  const SAMPLE_CONTENT& content);
     static QString write_campaign_folders(const SAMPLE_LAYOUT& layout, const SAMPLE_CONTENT& content);

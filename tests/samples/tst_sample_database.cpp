@@ -16,6 +16,7 @@
 #include "sample_database_writer.h"
 #include "sample_form_files.h"
 #include "sample_project.h"
+#include "sample_project_files.h"
 #include "test_folder.h"
 #include "test_helpers.h"
 
@@ -493,6 +494,31 @@ private slots:
         for (const KOR_RECORD_DATA* subtitle : table(size, "subtitle_timings")->records())
             QVERIFY(subtitle->get_field_data("start")->m_value.toFloat() <
                     subtitle->get_field_data("end")->m_value.toFloat());
+    }
+
+    void side_files_restrict_and_mark_tables()
+    {
+        KOR_XML_QUERY_INTERFACE& engine = *database("small").engine;
+        QVERIFY(engine.table_restricted("languages"));
+        QVERIFY(engine.can_edit_table_records("languages"));
+        QVERIFY(!engine.can_remove_table_records("languages"));
+        QVERIFY(engine.table_restricted("steppe_horde_types"));
+        QVERIFY(!engine.can_edit_table_records("steppe_horde_types"));
+        QVERIFY(!engine.table_restricted("land_units"));
+        QVERIFY(engine.can_add_table_records("land_units"));
+        QVERIFY(QFile::exists(database("small").path + "/Veld_patched_tables.txt"));
+    }
+
+    void saved_queries_load()
+    {
+        if (!QFile::exists(database("small").path + "/Veld_queries.xml"))
+            QSKIP("this build has no query store to write saved queries with");
+        KOR_XML_QUERY_INTERFACE& engine = *database("small").engine;
+        const auto queries = SAMPLE_PROJECT_FILES::queries();
+        QCOMPARE(engine.get_query_schemas().size(), queries.size());
+        for (const auto& query : queries)
+            QVERIFY2(engine.get_query_schema(query.first), qPrintable(query.first));
+        QVERIFY2(database("small").reports->problems.isEmpty(), "every saved query reads");
     }
 
     void forms_name_tables_and_fields_that_exist()

@@ -4,6 +4,7 @@
 // overwritten.
 #include "kor_table_data.h"
 #include "kor_xml_query_interface.h"
+#include "p4_connection.h"
 #include "project_paths.h"
 #include "quill_project_file.h"
 #include "sample_project.h"
@@ -162,6 +163,40 @@ private slots:
         QCOMPARE(git(m_layout.workspace, {"show", "--name-only", "--format=", "HEAD"}).split('\n').size(), 2);
     }
 
+    void the_depot_layer_sees_the_workspace_and_its_changes()
+    {
+        KOR_XML_QUERY_INTERFACE engine(nullptr, QString(), false, false);
+        QSet<QString> changed;
+        engine.get_changed_tables(changed, m_layout.database);
+        QVERIFY(changed.isEmpty());
+        QVERIFY(engine.have_latest(m_layout.database));
+
+        // Change 3 is the layout pass; its files are named below the client root.
+        P4_CONNECTION client(true, true, false);
+        client.set_start_directory(m_layout.workspace);
+        QString error;
+        QVERIFY2(client.connect(error, "Orbin", false), qPrintable(error));
+        QCOMPARE(client.get_root(), canonical(m_layout.workspace));
+        QVector<QString> output;
+        QVERIFY2(client.run("describe", {"-s", "3"}, output, QString(), &error), qPrintable(error));
+        int layouts = 0;
+        for (const QString& line : qAsConst(output))
+            if (line.contains("/UI/") && line.contains(".slpui") && !line.contains(".slpui.images"))
+            {
+                ++layouts;
+                QVERIFY2(line.startsWith("//trunk/game/raw_data/UI/"), qPrintable(line));
+            }
+        QVERIFY(layouts >= 2);
+
+        const QString table = m_layout.database + "/factions.xml";
+        const QByteArray before = ORBIN_TEST::read_file(table);
+        QVERIFY(
+            ORBIN_TEST::write_file(table, QByteArray(before).replace("Gens Valeria", "Gens Valeria Maior")));
+        engine.get_changed_tables(changed, m_layout.database);
+        QCOMPARE(changed, QSet<QString>{"factions"});
+        QVERIFY(ORBIN_TEST::write_file(table, before));
+    }
+
     void a_folder_that_is_not_empty_is_left_alone()
     {
         TEST_FOLDER other;
@@ -196,7 +231,7 @@ private slots:
         options.size = SAMPLE_SIZE::SMALL;
         options.with_depot = false;
         options.scale_tables = 25;
-        options.scale_rows = 20000;
+        options.scale_rows = 5000;
         SAMPLE_LAYOUT layout;
         QVERIFY(SAMPLE_PROJECT::generate(other.file("p"), options, &layout).isEmpty());
         KOR_XML_QUERY_INTERFACE engine(nullptr, QString(), false, false);
@@ -207,8 +242,8 @@ private slots:
         QString error;
         const KOR_TABLE_DATA* big = engine.get_table_data(error, SAMPLE_SCALE::big_table_name());
         QVERIFY2(big, qPrintable(error));
-        QCOMPARE(big->record_count(), 20000);
-        QVERIFY(big->record_by_key("s0020000"));
+        QCOMPARE(big->record_count(), 5000);
+        QVERIFY(big->record_by_key("s0005000"));
         QVERIFY(engine.get_table_data(error, "effect_bundle_001"));
         engine.disconnect();
     }
