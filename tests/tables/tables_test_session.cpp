@@ -1,0 +1,45 @@
+#include "tables_test_session.h"
+
+#include "kor_xml_query_interface.h"
+#include "test_helpers.h"
+
+#include <QDir>
+
+TABLES_TEST_SESSION::TABLES_TEST_SESSION() = default;
+
+TABLES_TEST_SESSION::~TABLES_TEST_SESSION()
+{
+    if (m_session && m_session->is_connected())
+    {
+        QString ignored;
+        m_session->disconnect_all(ignored);
+    }
+}
+
+bool TABLES_TEST_SESSION::open(const BUILD& build, const QByteArray& permissions_xml)
+{
+    m_path = m_folder.file(QStringLiteral("db"));
+    {
+        TEST_DATABASE_BUILDER builder(m_path);
+        if (build)
+            build(builder);
+        if (!builder.ok())
+        {
+            m_error = builder.error();
+            return false;
+        }
+    }
+    if (!permissions_xml.isEmpty()
+        && !ORBIN_TEST::write_file(QDir(m_path).filePath(QStringLiteral("Veld_permissions.xml")), permissions_xml))
+    {
+        m_error = QStringLiteral("cannot write the permissions file");
+        return false;
+    }
+    m_session = std::make_unique<VELD_DATA>();
+    return m_session->connect_main(m_error, m_path, 0);
+}
+
+QString TABLES_TEST_SESSION::table_file_text(const QString& table) const
+{
+    return ORBIN_TEST::read_text(QDir(m_path).filePath(table + QStringLiteral(".xml")));
+}
