@@ -73,6 +73,15 @@ bool stored_value(QString& error, const KOR_FIELD_SCHEMA& field, const QVariant&
         out = field.field_type() == KFT_TEXT ? QVariant(QString(QLatin1String(""))) : QVariant();
         return true;
     }
+    // An unsigned field keeps its values as int; a negative one would be
+    // written, and the reader would then refuse the whole table.
+    if (field.field_type() == KFT_UNSIGNED_INTEGER && value.type() == QVariant::Int && value.toInt() < 0)
+    {
+        error = QStringLiteral("'%1' does not fit field '%2': it takes no negative values")
+                    .arg(value.toInt())
+                    .arg(field.field_name());
+        return false;
+    }
     if (int(value.type()) == stored_type(field.field_type()))
     {
         out = value;

@@ -201,8 +201,14 @@ QString SAMPLE_PROJECT::generate(const QString& folder, const SAMPLE_OPTIONS& op
                 notes->append(QStringLiteral("installed %1 in %2").arg(name, layout.binaries));
     }
     if (error.isEmpty() && notes)
-        notes->append(QStringLiteral("%1 tables, %2 records")
-                          .arg(catalogue.tables().size())
-                          .arg(content.record_count()));
+    {
+        QString note = QStringLiteral("%1 tables, %2 records")
+                           .arg(catalogue.tables().size())
+                           .arg(content.record_count());
+        if (options.scale_rows > 0)
+            note +=
+                QStringLiteral(", and %1 in %2").arg(options.scale_rows).arg(SAMPLE_SCALE::big_table_name());
+        notes->append(note);
+    }
     return error;
 }
