@@ -6,6 +6,7 @@
 #include "kor_table_io.h"
 #include "kor_table_schema.h"
 #include "sample_catalogue.h"
+#include "sample_field.h"
 #include "sample_game_source.h"
 #include "sample_project.h"
 #include "test_folder.h"
@@ -261,6 +262,59 @@ private slots:
                                        true),
                          1);
         }
+    }
+
+    void table_code_follows_the_fields_of_the_table()
+    {
+        // A table of two keys, two fields referring to one implemented table,
+        // an optional reference to another, a localised and an optional text.
+        KOR_TABLE_SCHEMA schema("battle_categories");
+        for (const SAMPLE_FIELD& field :
+             {SAMPLE_FIELD::key("region"), SAMPLE_FIELD::key("turn", KFT_INTEGER),
+              SAMPLE_FIELD::text("attacker").required().refers_to("factions"),
+              SAMPLE_FIELD::text("defender").required().refers_to("factions"),
+              SAMPLE_FIELD::text("culture").refers_to("cultures"),
+              SAMPLE_FIELD::text("title").required().localised("battles"), SAMPLE_FIELD::text("notes")})
+            schema.add_field_schema(field.make(QUuid::createUuid()));
+        const SAMPLE_GAME_SOURCE code(schema, {"factions", "cultures"}, {{"title", "battles"}},
+                                      "C:/dev/trunk", "Mon Jan 6 10:00:00 2025", 0);
+        const QString header = code.header();
+        const QString source = code.source();
+        QVERIFY(header.contains("struct COBALTUTILITY_API BATTLE_CATEGORY_RECORD\n"));
+        QVERIFY(header.contains(
+            "\t\t\tconst String key() const { return m_region + String::format(m_turn); }\n"));
+        QCOMPARE(header.count("const FACTIONS_TABLE & m_factions;"), 1);
+        QCOMPARE(source.count("#include \"FactionsTable.h\"\n"), 1);
+        // Fields are taken in name order, dependencies before localised texts.
+        QVERIFY(header.contains("const FACTION_RECORD & m_attacker;\n\t\tconst CULTURE_RECORD * m_culture;\n"
+                                "\t\tconst FACTION_RECORD & m_defender;\n\t\tconst UniString & m_title;\n"));
+        QVERIFY(!header.contains("m_title;\n\t\t};")); // no builder member for the localised text
+        QVERIFY(source.contains("\t\tOPT_TAG_OUT(output, tag, notes);\n"));
+        QVERIFY(source.contains("\t\tREQ_TAG_OUT(output, tag, turn, int32);\n"));
+        QVERIFY(!source.contains("TAG_OUT(output, tag, title"));
+        QVERIFY(source.contains("loc.string_get(\"battle_categories_title_\" + builder.key());"));
+        QVERIFY(source.contains(
+            "return new(p) BATTLE_CATEGORY_RECORD(builder, *attacker, culture, *defender, *title);"));
+        QVERIFY(source.contains("UTILITYLIB::TABLE_LIST & bad_tables)"));
+        QCOMPARE(
+            code.element_line(),
+            QString(
+                "\t\tELEM(battle_categories_table ,BATTLE_CATEGORIES_TABLE , (m_vfs , "
+                "BATTLE_CATEGORY_RECORD::DEPENDENCIES(factions_table(), cultures_table()) , stringtable() , "
+                "m_bad_mods)) \\"));
+
+        // Without dependencies nothing is verified against other tables.
+        KOR_TABLE_SCHEMA lonely("omens");
+        lonely.add_field_schema(SAMPLE_FIELD::key("key").make(QUuid::createUuid()));
+        lonely.add_field_schema(
+            SAMPLE_FIELD::text("culture").refers_to("cultures").make(QUuid::createUuid()));
+        const SAMPLE_GAME_SOURCE plain(lonely, {}, {}, "C:/dev/trunk", "Mon Jan 6 10:00:00 2025", -1);
+        QVERIFY(plain.header().contains("\t\t\tconst String& key() const { return m_key; }\n"));
+        QVERIFY(!plain.header().contains("VERSION"));
+        QVERIFY(plain.source().contains("UTILITYLIB::TABLE_LIST & /*bad_tables*/)"));
+        QVERIFY(plain.source().contains("OMEN_RECORD::DEPENDENCIES::DEPENDENCIES()\n\t{}\n"));
+        QVERIFY(plain.element_line().contains("OMEN_RECORD::DEPENDENCIES() , stringtable()"));
+        QVERIFY(plain.tool_command().contains("OMEN_RECORD::BUILDER::parse));"));
     }
 
     void a_steppe_dependency_lives_in_its_own_namespace()
