@@ -102,6 +102,12 @@ const char* const BUILDING_CHAINS[][6] = {
     {"library", "culture", "Scriptorium", "Library", "Great Library", nullptr},
 };
 
+// "a Kharid", "an Aurelian".
+QString with_article(const QString& word)
+{
+    return (QStringLiteral("AEIOU").contains(word.left(1)) ? QStringLiteral("an ") : QStringLiteral("a ")) + word;
+}
+
 QString unit_description(const UNIT_TYPE& type, const QString& adjective)
 {
     const QString category = QString::fromLatin1(type.category);
@@ -115,8 +121,8 @@ QString unit_description(const UNIT_TYPE& type, const QString& adjective)
     if (category == QLatin1String("artillery"))
         return QString("%1 engineers with engines that batter walls and break formations.").arg(adjective);
     if (category == QLatin1String("naval"))
-        return QString("A %1 warship crewed by marines and rowers.").arg(adjective);
-    return QString("The sworn guard of a %1 general, chosen from the best.").arg(adjective);
+        return QString("%1 warship crewed by marines and rowers.").arg(with_article(adjective)).replace(0, 1, "A");
+    return QString("The sworn guard of %1 general, chosen from the best.").arg(with_article(adjective));
 }
 } // namespace
 
