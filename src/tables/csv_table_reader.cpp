@@ -81,7 +81,8 @@ bool CSV_TABLE_READER::read_header(const QString& line)
     {
         if (!m_field_columns.contains(key_field))
         {
-            m_messages.append(QStringLiteral("Required fields for table are missing from the imported csv file."));
+            m_messages.append(
+                QStringLiteral("Required fields for table are missing from the imported csv file."));
             return false;
         }
     }
@@ -105,8 +106,8 @@ void CSV_TABLE_READER::read_record(const QString& line, int number)
         const KOR_FIELD_SCHEMA* field = m_table_schema->field_schema_by_name(key_field);
         if (value.isEmpty() && field && field->is_required())
         {
-            m_messages.append(QStringLiteral("Required field '") + key_field + QStringLiteral("' missing at line ") +
-                              at_line + QLatin1Char('.'));
+            m_messages.append(QStringLiteral("Required field '") + key_field +
+                              QStringLiteral("' missing at line ") + at_line + QLatin1Char('.'));
             return;
         }
         key += value;

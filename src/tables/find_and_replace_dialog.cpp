@@ -144,9 +144,11 @@ FIND_AND_REPLACE_DIALOG::FIND_AND_REPLACE_DIALOG(const QString& table_key, const
 
     connect(m_find_button, &QPushButton::clicked, this, &FIND_AND_REPLACE_DIALOG::on_click_search);
     connect(m_replace_button, &QPushButton::clicked, this, &FIND_AND_REPLACE_DIALOG::on_click_replace);
-    connect(m_replace_all_button, &QPushButton::clicked, this, &FIND_AND_REPLACE_DIALOG::on_click_replace_all);
+    connect(m_replace_all_button, &QPushButton::clicked, this,
+            &FIND_AND_REPLACE_DIALOG::on_click_replace_all);
     connect(m_cancel_button, &QPushButton::clicked, this, &FIND_AND_REPLACE_DIALOG::on_click_close);
-    connect(m_use_search_field, &QCheckBox::clicked, this, &FIND_AND_REPLACE_DIALOG::on_click_use_search_field);
+    connect(m_use_search_field, &QCheckBox::clicked, this,
+            &FIND_AND_REPLACE_DIALOG::on_click_use_search_field);
     connect(m_in_selection, &QCheckBox::clicked, this, &FIND_AND_REPLACE_DIALOG::on_click_use_selection);
 
     load_histories();

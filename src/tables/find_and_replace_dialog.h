@@ -28,7 +28,8 @@ public:
     };
 
     // `field_names` in column order, for "Search Field".
-    FIND_AND_REPLACE_DIALOG(const QString& table_key, const QStringList& field_names, QWidget* parent = nullptr);
+    FIND_AND_REPLACE_DIALOG(const QString& table_key, const QStringList& field_names,
+                            QWidget* parent = nullptr);
     ~FIND_AND_REPLACE_DIALOG() override;
 
     // Find mode hides everything about replacing.
@@ -42,16 +43,16 @@ public:
     const QMap<int, QString>& search_history() const { return m_search_history; }
     const QMap<int, QString>& replace_history() const { return m_replace_history; }
 
-    // How many entries each history keeps: it is read at every opening.
+    // How many entries each history keeps; the oldest drop out.
     static const int history_limit = 50;
 
 signals:
-    void search_next_string_instance(const QString& search_text, const QString& search_field, int search_direction,
-                                     bool search_underlying);
+    void search_next_string_instance(const QString& search_text, const QString& search_field,
+                                     int search_direction, bool search_underlying);
     void replace_current_or_next(const QString& search_string, const QString& replace_string,
                                  const QString& search_column, int search_direction, bool search_underlying);
-    void replace_all(const QString& search_string, const QString& replace_string, const QString& search_column,
-                     int search_direction, bool search_underlying);
+    void replace_all(const QString& search_string, const QString& replace_string,
+                     const QString& search_column, int search_direction, bool search_underlying);
 
 public slots:
     void on_click_search();

@@ -27,7 +27,8 @@ QString copy_selection(QTableView* view, QAbstractItemModel* model, bool display
         const int visual = header->visualIndex(index.column());
         cells[index.row()].insert(visual, model->data(index, role).toString());
         if (with_headers)
-            names.insert(visual, model->headerData(index.column(), Qt::Horizontal, Qt::DisplayRole).toString());
+            names.insert(visual,
+                         model->headerData(index.column(), Qt::Horizontal, Qt::DisplayRole).toString());
     }
     const QString text = VELD_CLIPBOARD_TEXT::build(cells, names, with_headers);
     if (QClipboard* clipboard = QGuiApplication::clipboard())

@@ -123,8 +123,9 @@ void VELD_TABLE_CELL_EDITS::paste()
     {
         const QMessageBox::StandardButton answer = prompt::question(
             m_dialog_parent, QStringLiteral("Paste"),
-            QStringLiteral("You are pasting multiple records, create new records and paste into these?\n('No' to "
-                           "overwrite existing records, 'Cancel' to cancel paste)"),
+            QStringLiteral(
+                "You are pasting multiple records, create new records and paste into these?\n('No' to "
+                "overwrite existing records, 'Cancel' to cancel paste)"),
             QMessageBox::Yes | QMessageBox::No | QMessageBox::Cancel, QMessageBox::No);
         if (answer != QMessageBox::Yes && answer != QMessageBox::No)
             return;
@@ -207,8 +208,8 @@ void VELD_TABLE_CELL_EDITS::paste_rows(const VELD_CLIPBOARD_TEXT::CELLS& rows, b
             current_texts.insert(field.key(), KOR_FIELD_DATA::variant_to_text(model->data(
                                                   model->index(source_row, field.value()), Qt::EditRole)));
         const VELD_PASTE_KEY_PLAN plan = VELD_PASTE_KEY_PLAN::make(
-            schema->primary_key_fields(), column_of_field, current_texts, row.value(), model->record_key(source_row),
-            [model](const QString& key) { return model->key_in_use(key); });
+            schema->primary_key_fields(), column_of_field, current_texts, row.value(),
+            model->record_key(source_row), [model](const QString& key) { return model->key_in_use(key); });
         m_proxy->add_forced_row(source_row);
         if (plan.key_refused() && m_status)
             m_status(plan.refusal_text(row.key()));

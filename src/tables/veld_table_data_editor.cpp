@@ -8,11 +8,11 @@
 #include "orbin_settings.h"
 #include "prompt.h"
 #include "qt_workarounds.h"
+#include "veld_csv_merge_plan.h"
 #include "veld_data.h"
 #include "veld_form_type.h"
 #include "veld_frozen_columns_table.h"
 #include "veld_options.h"
-#include "veld_csv_merge_plan.h"
 #include "veld_regex_filter_widget.h"
 #include "veld_table_data_view_delegate.h"
 #include "veld_table_layout.h"
@@ -91,8 +91,8 @@ VELD_TABLE_DATA_EDITOR::VELD_TABLE_DATA_EDITOR(const QString& table_key, VELD_DA
     m_view->installEventFilter(this);
     m_view->frozen_view()->installEventFilter(this);
     m_search = std::make_unique<VELD_TABLE_SEARCH>(m_view, &m_proxy, this);
-    m_cell_edits = std::make_unique<VELD_TABLE_CELL_EDITS>(m_view, &m_proxy, this,
-                                                           [this](const QString& text) { emit statusUpdate(text); });
+    m_cell_edits = std::make_unique<VELD_TABLE_CELL_EDITS>(
+        m_view, &m_proxy, this, [this](const QString& text) { emit statusUpdate(text); });
 
     KOR_XML_QUERY_INTERFACE* query_interface = m_session ? m_session->query_interface() : nullptr;
     if (query_interface && query_interface->is_read_only())
@@ -385,8 +385,9 @@ void VELD_TABLE_DATA_EDITOR::onDataImport()
     while (directory.size() > 1 && directory.endsWith(QLatin1Char('/')))
         directory.chop(1);
     if (prompt::question(this, QStringLiteral("Table Data Editor"),
-                         QStringLiteral("Do you wish to import data for ") + m_table_key + QStringLiteral(" from ") +
-                             directory + QLatin1Char('/') + m_table_key + QStringLiteral(".csv?"),
+                         QStringLiteral("Do you wish to import data for ") + m_table_key +
+                             QStringLiteral(" from ") + directory + QLatin1Char('/') + m_table_key +
+                             QStringLiteral(".csv?"),
                          QMessageBox::Yes | QMessageBox::No, QMessageBox::No) != QMessageBox::Yes)
         return;
     OVERRIDE_CURSOR busy(Qt::BusyCursor);
@@ -424,7 +425,7 @@ void VELD_TABLE_DATA_EDITOR::import_csv_rows(const CSV_TABLE_READER& reader)
 }
 
 VELD_TABLE_SEARCH::TERMS VELD_TABLE_DATA_EDITOR::search_terms(const QString& text, const QString& field,
-                                                             int direction, bool underlying) const
+                                                              int direction, bool underlying) const
 {
     VELD_TABLE_SEARCH::TERMS terms;
     terms.text = text;
@@ -448,12 +449,14 @@ void VELD_TABLE_DATA_EDITOR::show_find_dialog(FIND_AND_REPLACE_DIALOG::MODE mode
     if (!m_find_dialog)
     {
         m_find_dialog = new FIND_AND_REPLACE_DIALOG(
-            m_table_key, m_table_schema ? QStringList(m_table_schema->column_ordering()) : QStringList(), this);
+            m_table_key, m_table_schema ? QStringList(m_table_schema->column_ordering()) : QStringList(),
+            this);
         connect(m_find_dialog, &FIND_AND_REPLACE_DIALOG::search_next_string_instance, this,
                 &VELD_TABLE_DATA_EDITOR::onSearchNextStringInstance);
         connect(m_find_dialog, &FIND_AND_REPLACE_DIALOG::replace_current_or_next, this,
                 &VELD_TABLE_DATA_EDITOR::onReplaceCurrentOrNext);
-        connect(m_find_dialog, &FIND_AND_REPLACE_DIALOG::replace_all, this, &VELD_TABLE_DATA_EDITOR::onReplaceAll);
+        connect(m_find_dialog, &FIND_AND_REPLACE_DIALOG::replace_all, this,
+                &VELD_TABLE_DATA_EDITOR::onReplaceAll);
     }
     m_find_dialog->set_mode(m_read_only ? FIND_AND_REPLACE_DIALOG::FIND_MODE : mode);
     m_find_dialog->show();

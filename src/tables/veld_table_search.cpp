@@ -110,16 +110,18 @@ bool VELD_TABLE_SEARCH::find(const TERMS& terms)
     return true;
 }
 
-bool VELD_TABLE_SEARCH::replace_in_cell(const QModelIndex& index, const TERMS& terms, const QString& replacement)
+bool VELD_TABLE_SEARCH::replace_in_cell(const QModelIndex& index, const TERMS& terms,
+                                        const QString& replacement)
 {
     const QString before = index.data(Qt::EditRole).toString();
-    const QString after = QString(before).replace(terms.text, replacement,
-                                                  terms.case_sensitive ? Qt::CaseSensitive : Qt::CaseInsensitive);
+    const QString after = QString(before).replace(
+        terms.text, replacement, terms.case_sensitive ? Qt::CaseSensitive : Qt::CaseInsensitive);
     if (after == before)
     {
-        prompt::warning(m_dialog_parent, QStringLiteral("Text Not Replaced"),
-                        QStringLiteral("Text has not been replaced.\nThis can happen if you filter by display text "
-                                       "(only the underlying value can be edited)"));
+        prompt::warning(
+            m_dialog_parent, QStringLiteral("Text Not Replaced"),
+            QStringLiteral("Text has not been replaced.\nThis can happen if you filter by display text "
+                           "(only the underlying value can be edited)"));
         return false;
     }
     return m_proxy->setData(index, after, Qt::EditRole);
@@ -131,8 +133,7 @@ bool VELD_TABLE_SEARCH::replace_current_or_next(const TERMS& terms, const QStrin
         return false;
     // Which text of the current cell counts follows the proxy's filter, as
     // the user reads the cells the filter let through.
-    const bool current_holds =
-        matches(m_view->currentIndex(), terms, m_proxy->filter_on_display_text() == 0);
+    const bool current_holds = matches(m_view->currentIndex(), terms, m_proxy->filter_on_display_text() == 0);
     if (!current_holds && !find(terms))
         return false;
     replace_in_cell(m_view->currentIndex(), terms, replacement);

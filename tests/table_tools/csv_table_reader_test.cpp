@@ -47,7 +47,8 @@ private slots:
         QTest::addColumn<QStringList>("messages");
         QTest::addColumn<QString>("values");
 
-        QTest::newRow("an empty file") << QByteArray() << true << false << QStringList{"No data in '%1'"} << "";
+        QTest::newRow("an empty file")
+            << QByteArray() << true << false << QStringList{"No data in '%1'"} << "";
         QTest::newRow("a key field missing from the header")
             << QByteArray("unit,men\nhastati,1\n") << true << false
             << QStringList{"Required fields for table are missing from the imported csv file."} << "";
@@ -56,7 +57,8 @@ private slots:
                           "hastati,,120,\"front line, \"\"young\"\"\"\r\n"
                           "velites,late,80,\r\n")
             << true << true << QStringList{}
-            << "hastati:era= | hastati:men=120 | hastati:notes=front line, \"young\" | hastati:unit=hastati | "
+            << "hastati:era= | hastati:men=120 | hastati:notes=front line, \"young\" | hastati:unit=hastati "
+               "| "
                "veliteslate:era=late | veliteslate:men=80 | veliteslate:notes= | veliteslate:unit=velites";
         QTest::newRow("bad lines are skipped with their numbers, the header being 1")
             << QByteArray("unit,era,men,notes\n"
@@ -70,8 +72,8 @@ private slots:
                            "WARNING! Number of values on line 5 does not match number of headers."}
             << "triarii:era= | triarii:men=40 | triarii:notes=old, wise | triarii:unit=triarii";
         QTest::newRow("an empty key of optional key fields")
-            << QByteArray("unit,era\n,\nslingers,\n") << false << true << QStringList{"Key at line 2 is empty."}
-            << "slingers:era= | slingers:unit=slingers";
+            << QByteArray("unit,era\n,\nslingers,\n") << false << true
+            << QStringList{"Key at line 2 is empty."} << "slingers:era= | slingers:unit=slingers";
     }
 
     void reading()

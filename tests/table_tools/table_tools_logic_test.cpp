@@ -69,7 +69,8 @@ private slots:
             << 3 << 4 << 1 << 3 << 3 << 2 << QStringList{"2,2", "0,2", "1,2"};
         QTest::newRow("a start outside the table starts at the first cell")
             << 1 << 2 << 7 << 9 << 3 << -1 << QStringList{"0,1", "0,0"};
-        QTest::newRow("an unknown direction walks down") << 2 << 1 << 0 << 0 << 9 << -1 << QStringList{"1,0", "0,0"};
+        QTest::newRow("an unknown direction walks down")
+            << 2 << 1 << 0 << 0 << 9 << -1 << QStringList{"1,0", "0,0"};
         QTest::newRow("an empty table has no cells") << 0 << 5 << 0 << 0 << 1 << -1 << QStringList{};
         QTest::newRow("a field past the columns has no cells") << 3 << 2 << 0 << 0 << 1 << 4 << QStringList{};
     }
@@ -96,7 +97,8 @@ private slots:
             int found_row = -1;
             int found_column = -1;
             QVERIFY(!VELD_CELL_WALKER::find(
-                5, 3, 4, 2, direction, -1, [&](int, int) { return ++tests > 1000; }, found_row, found_column));
+                5, 3, 4, 2, direction, -1, [&](int, int) { return ++tests > 1000; }, found_row,
+                found_column));
             QCOMPARE(tests, 15);
         }
         int found_row = -1;
@@ -191,7 +193,8 @@ private slots:
 
         QTest::newRow("plain, empty parts kept") << "a,,b," << QStringList{"a", "", "b", ""};
         QTest::newRow("a quoted comma stays one value") << "k,\"x, y\",z" << QStringList{"k", "x, y", "z"};
-        QTest::newRow("a doubled quote is one quote") << "\"say \"\"hi\"\"\",2" << QStringList{"say \"hi\"", "2"};
+        QTest::newRow("a doubled quote is one quote")
+            << "\"say \"\"hi\"\"\",2" << QStringList{"say \"hi\"", "2"};
         QTest::newRow("quoted commas and quotes together")
             << "\"a,\"\"b\"\",c\",d" << QStringList{"a,\"b\",c", "d"};
         QTest::newRow("empty quoted value") << "\"\",x" << QStringList{"", "x"};

@@ -1,8 +1,8 @@
 #include "veld_csv_merge_plan.h"
 
 QHash<QString, int> VELD_CSV_MERGE_PLAN::live_rows_by_key(int row_count,
-                                                         const std::function<QString(int row)>& key_of_row,
-                                                         const std::function<bool(int row)>& is_deleted)
+                                                          const std::function<QString(int row)>& key_of_row,
+                                                          const std::function<bool(int row)>& is_deleted)
 {
     // One pass over the table rather than a search per imported line: tables
     // run to a million rows.
@@ -18,9 +18,9 @@ QHash<QString, int> VELD_CSV_MERGE_PLAN::live_rows_by_key(int row_count,
     return rows;
 }
 
-QVector<VELD_CSV_MERGE_PLAN::STEP> VELD_CSV_MERGE_PLAN::make(const QMap<QString, QMap<QString, QString>>& values,
-                                                            const QStringList& column_names,
-                                                            const QHash<QString, int>& live_rows)
+QVector<VELD_CSV_MERGE_PLAN::STEP>
+VELD_CSV_MERGE_PLAN::make(const QMap<QString, QMap<QString, QString>>& values,
+                          const QStringList& column_names, const QHash<QString, int>& live_rows)
 {
     QVector<STEP> steps;
     steps.reserve(values.size());

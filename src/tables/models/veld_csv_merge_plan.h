@@ -26,12 +26,13 @@ public:
     };
 
     // The first row of each key among the rows not marked for deletion.
-    static QHash<QString, int> live_rows_by_key(int row_count, const std::function<QString(int row)>& key_of_row,
+    static QHash<QString, int> live_rows_by_key(int row_count,
+                                                const std::function<QString(int row)>& key_of_row,
                                                 const std::function<bool(int row)>& is_deleted);
 
     // One step per key of `values` (key → field name → text), in key order.
     // `column_names` are the model's header names by column; a value whose
     // field is no column is left out.
-    static QVector<STEP> make(const QMap<QString, QMap<QString, QString>>& values, const QStringList& column_names,
-                              const QHash<QString, int>& live_rows);
+    static QVector<STEP> make(const QMap<QString, QMap<QString, QString>>& values,
+                              const QStringList& column_names, const QHash<QString, int>& live_rows);
 };

@@ -19,8 +19,8 @@ public:
     // `pasted` the row's texts by logical column.
     static VELD_PASTE_KEY_PLAN make(const QList<QString>& primary_key_fields,
                                     const QMap<QString, int>& column_of_field,
-                                    const QMap<QString, QString>& current_texts, const QMap<int, QString>& pasted,
-                                    const QString& record_key,
+                                    const QMap<QString, QString>& current_texts,
+                                    const QMap<int, QString>& pasted, const QString& record_key,
                                     const std::function<bool(const QString& key)>& key_in_use);
 
     const QString& composite_key() const { return m_composite_key; }
