@@ -228,11 +228,19 @@ void FIND_AND_REPLACE_DIALOG::on_click_use_selection()
     on_click_use_search_field();
 }
 
+bool FIND_AND_REPLACE_DIALOG::is_replace_key(const QKeyEvent* event)
+{
+    if (event->matches(QKeySequence::Replace))
+        return true;
+    return QKeySequence::keyBindings(QKeySequence::Replace).isEmpty() && event->key() == Qt::Key_H &&
+           (event->modifiers() & ~Qt::KeypadModifier) == Qt::ControlModifier;
+}
+
 void FIND_AND_REPLACE_DIALOG::keyPressEvent(QKeyEvent* event)
 {
     if (event->matches(QKeySequence::Find))
         set_mode(FIND_MODE);
-    else if (event->matches(QKeySequence::Replace))
+    else if (is_replace_key(event))
         set_mode(REPLACE_MODE);
     else
         QDialog::keyPressEvent(event);

@@ -7,6 +7,7 @@
 
 class QCheckBox;
 class QComboBox;
+class QKeyEvent;
 class QLabel;
 class QPushButton;
 
@@ -42,6 +43,10 @@ public:
     // The histories by index, oldest first.
     const QMap<int, QString>& search_history() const { return m_search_history; }
     const QMap<int, QString>& replace_history() const { return m_replace_history; }
+
+    // The key that switches to replace mode: the platform's Replace key, or
+    // Ctrl+H where the platform has none (a desktop-less X11 session).
+    static bool is_replace_key(const QKeyEvent* event);
 
     // How many entries each history keeps; the oldest drop out.
     static const int history_limit = 50;

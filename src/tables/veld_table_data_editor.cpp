@@ -609,6 +609,18 @@ void VELD_TABLE_DATA_EDITOR::focus_on_row_in_table(const QString& target_table, 
     }
     if (!target->m_table_schema)
         return;
+    // A record of a table keyed by several fields is named by its whole key,
+    // which no single key field holds: the record itself is looked for first.
+    const int row =
+        target->m_table_schema->primary_key_fields().size() > 1 ? target->m_model.row_of_key(key_text) : -1;
+    const QModelIndex record = row >= 0 && !target->m_model.is_deleted_row(row)
+                                   ? target->m_proxy.mapFromSource(target->m_model.index(row, 0))
+                                   : QModelIndex();
+    if (record.isValid())
+    {
+        target->m_search->make_current(record);
+        return;
+    }
     for (const QString& field : target->m_table_schema->primary_key_fields())
     {
         if (target->search_in_column(key_text, field, 1, false))
@@ -1103,7 +1115,7 @@ bool is_tool_key(const QKeyEvent* event)
     bool with_headers = false;
     return is_copy_key(event, display_text, with_headers) || event->matches(QKeySequence::Paste) ||
            event->matches(QKeySequence::Delete) || event->matches(QKeySequence::Find) ||
-           event->matches(QKeySequence::Replace) || event->matches(QKeySequence::FindNext) ||
+           FIND_AND_REPLACE_DIALOG::is_replace_key(event) || event->matches(QKeySequence::FindNext) ||
            event->matches(QKeySequence::FindPrevious);
 }
 } // namespace
@@ -1152,7 +1164,7 @@ void VELD_TABLE_DATA_EDITOR::keyPressEvent(QKeyEvent* event)
     }
     else if (event->matches(QKeySequence::Find))
         show_find_dialog(FIND_AND_REPLACE_DIALOG::FIND_MODE);
-    else if (event->matches(QKeySequence::Replace))
+    else if (FIND_AND_REPLACE_DIALOG::is_replace_key(event))
         show_find_dialog(FIND_AND_REPLACE_DIALOG::REPLACE_MODE);
     else if (event->matches(QKeySequence::FindNext) || event->matches(QKeySequence::FindPrevious))
     {

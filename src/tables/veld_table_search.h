@@ -50,6 +50,9 @@ public:
     // however the rows sort and filter meanwhile.
     int replace_all(const TERMS& terms, const QString& replacement);
 
+    // Makes a cell the current one, alone in the selection, in sight.
+    void make_current(const QModelIndex& index);
+
     // Forgets the cells left of a selection walk.
     void forget_matches() { m_search_matches.clear(); }
     int matches_left() const { return m_search_matches.size(); }
@@ -60,7 +63,6 @@ private:
     // of them with -1). In-selection walks use up the cells they test.
     QVector<QModelIndex> walk(const TERMS& terms, int start_row, int start_column, int wanted);
     void fill_matches_from_selection();
-    void make_current(const QModelIndex& index);
     // Writes the replacement into one cell; false (after a warning) when
     // its underlying value does not hold the text.
     bool replace_in_cell(const QModelIndex& index, const TERMS& terms, const QString& replacement);

@@ -37,7 +37,10 @@ void build_army(TEST_DATABASE_BUILDER& db)
         .record("units",
                 {{"unit", "elephants"}, {"faction", "carthage"}, {"men", 12}, {"notes", "war beasts"}})
         .record("units", {{"unit", "hastati"}, {"faction", "rome"}, {"men", 60}, {"notes", "spear line"}})
-        .record("units", {{"unit", "triarii"}, {"faction", "rome"}, {"men", 40}, {"notes", "spear wall"}});
+        .record("units", {{"unit", "triarii"}, {"faction", "rome"}, {"men", 40}, {"notes", "spear wall"}})
+        .table("drills", {TEST_FIELD::key("unit"), TEST_FIELD::key("drill")})
+        .record("drills", {{"unit", "hastati"}, {"drill", "testudo"}})
+        .record("drills", {{"unit", "hastati"}, {"drill", "wedge"}});
 }
 
 QModelIndex cell(VELD_TABLE_DATA_EDITOR& editor, const QString& key, const QString& field)
@@ -532,6 +535,17 @@ private slots:
         QVERIFY(!editor.model().has_pending_changes());
         press(editor, Qt::Key_H, Qt::ControlModifier);
         QCOMPARE(editor.find_dialog()->mode(), FIND_AND_REPLACE_DIALOG::FIND_MODE);
+    }
+
+    void a_reference_to_a_record_of_several_key_fields_finds_it()
+    {
+        // The references list names such a record by its whole key, which
+        // no single key field holds.
+        VELD_TABLE_DATA_EDITOR& editor = open("drills");
+        SCRIPTED_PROMPT prompts; // no "not found"
+        editor.focus_on_row_in_table("drills", "hastatiwedge", false);
+        const int row = editor.proxy().mapToSource(editor.view()->currentIndex()).row();
+        QCOMPARE(editor.model().record_key(row), QString("hastatiwedge"));
     }
 
     void csv_import_merges_the_file_as_pending_edits()
