@@ -25,7 +25,7 @@ QString copy_selection(QTableView* view, QAbstractItemModel* model, bool display
         if (index.model() != model || view->isRowHidden(index.row()) || view->isColumnHidden(index.column()))
             continue;
         const int visual = header->visualIndex(index.column());
-        cells[index.row()].insert(visual, model->data(index, role).toString());
+        cells[index.row()].insert(visual, VELD_CLIPBOARD_TEXT::cell_text(model->data(index, role)));
         if (with_headers)
             names.insert(visual,
                          model->headerData(index.column(), Qt::Horizontal, Qt::DisplayRole).toString());

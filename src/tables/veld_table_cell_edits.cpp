@@ -268,7 +268,7 @@ void VELD_TABLE_CELL_EDITS::edit_selected_cells(const QString& value)
     const QModelIndex current = m_view->currentIndex();
     QVector<QPersistentModelIndex> targets;
     for (const QModelIndex& index : selected)
-        if (index != current && index.data(Qt::DisplayRole).toString() != value)
+        if (index != current && VELD_CLIPBOARD_TEXT::cell_text(index.data(Qt::DisplayRole)) != value)
             targets.append(QPersistentModelIndex(m_proxy->mapToSource(index)));
     VELD_TABLE_MASS_OPERATION mass_operation(m_proxy->table_model());
     for (const QPersistentModelIndex& target : qAsConst(targets))
@@ -288,7 +288,7 @@ void VELD_TABLE_CELL_EDITS::apply_arithmetic(double value,
     for (const QModelIndex& index : m_view->selectionModel()->selectedIndexes())
     {
         bool ok = false;
-        const double number = index.data(Qt::DisplayRole).toString().toDouble(&ok);
+        const double number = VELD_CLIPBOARD_TEXT::cell_text(index.data(Qt::DisplayRole)).toDouble(&ok);
         if (ok)
             results.append(qMakePair(QPersistentModelIndex(m_proxy->mapToSource(index)),
                                      arithmetic_result(custom_operator(number, value))));

@@ -3,6 +3,7 @@
 #include "kor_table_schema.h"
 #include "prompt.h"
 #include "veld_cell_walker.h"
+#include "veld_clipboard_text.h"
 #include "veld_table_data_view_model.h"
 #include "veld_table_data_view_sort_model.h"
 #include "veld_table_mass_operation.h"
@@ -25,7 +26,8 @@ bool VELD_TABLE_SEARCH::matches(const QModelIndex& index, const TERMS& terms, bo
     // replacement between every two characters.
     if (terms.text.isEmpty() || !index.isValid())
         return false;
-    const QString text = index.data(underlying ? Qt::EditRole : Qt::DisplayRole).toString();
+    const QString text =
+        VELD_CLIPBOARD_TEXT::cell_text(index.data(underlying ? Qt::EditRole : Qt::DisplayRole));
     return text.contains(terms.text, terms.case_sensitive ? Qt::CaseSensitive : Qt::CaseInsensitive);
 }
 
@@ -113,7 +115,7 @@ bool VELD_TABLE_SEARCH::find(const TERMS& terms)
 bool VELD_TABLE_SEARCH::replace_in_cell(const QModelIndex& index, const TERMS& terms,
                                         const QString& replacement)
 {
-    const QString before = index.data(Qt::EditRole).toString();
+    const QString before = VELD_CLIPBOARD_TEXT::cell_text(index.data(Qt::EditRole));
     const QString after = QString(before).replace(
         terms.text, replacement, terms.case_sensitive ? Qt::CaseSensitive : Qt::CaseInsensitive);
     if (after == before)

@@ -144,6 +144,9 @@ private slots:
         QCOMPARE(VELD_CLIPBOARD_TEXT::build(cells), QString("a\tb\nc"));
         QCOMPARE(VELD_CLIPBOARD_TEXT::build(cells, names, true), QString("key\tmen\tnotes\na\tb\nc"));
         QCOMPARE(VELD_CLIPBOARD_TEXT::build({}), QString());
+        // A float's own text carries the digits of its conversion to double.
+        QCOMPARE(VELD_CLIPBOARD_TEXT::cell_text(QVariant(3.3f)), QString("3.3"));
+        QCOMPARE(VELD_CLIPBOARD_TEXT::cell_text(QVariant(true)), QString("true"));
     }
 
     void a_pasted_key_in_use_is_left_out_data()

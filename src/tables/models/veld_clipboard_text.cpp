@@ -1,6 +1,16 @@
 #include "veld_clipboard_text.h"
 
+#include "kor_field_data.h"
+
 #include <QStringList>
+
+QString VELD_CLIPBOARD_TEXT::cell_text(const QVariant& value)
+{
+    const int type = value.userType();
+    if (type == QMetaType::Float || type == QMetaType::Double)
+        return KOR_FIELD_DATA::variant_to_text(value);
+    return value.toString();
+}
 
 QString VELD_CLIPBOARD_TEXT::build(const CELLS& cells, const QMap<int, QString>& header_names,
                                    bool with_headers)

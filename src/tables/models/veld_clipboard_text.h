@@ -2,6 +2,7 @@
 
 #include <QMap>
 #include <QString>
+#include <QVariant>
 
 #include <functional>
 
@@ -20,6 +21,11 @@ public:
     // from `header_names` (by visual column). No line feed after the last row.
     static QString build(const CELLS& cells, const QMap<int, QString>& header_names = QMap<int, QString>(),
                          bool with_headers = false);
+
+    // A cell's value as text to copy, search or compare: floating values as
+    // the shortest text that reads back the same, not with the digits of
+    // their conversion to double ("3.299999952316284" for 3.3).
+    static QString cell_text(const QVariant& value);
 
     // Cells of `text` from `start_row` and the visual column `start_visual`:
     // a tab moves one visual column right, a line feed one row down and back
