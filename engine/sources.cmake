@@ -18,6 +18,7 @@ set(KOR_ENGINE_SOURCES
   ${KOR_ENGINE_DIR}/data/kor_table_data.cpp
   ${KOR_ENGINE_DIR}/data/kor_table_schema.cpp
   ${KOR_ENGINE_DIR}/data/patched_tables.cpp
+  ${KOR_ENGINE_DIR}/data/progress_report_list.cpp
   ${KOR_ENGINE_DIR}/data/tools_metrics.cpp
   ${KOR_ENGINE_DIR}/data/update_command_items.cpp
   ${KOR_ENGINE_DIR}/kor_file_commit.cpp
