@@ -55,6 +55,23 @@ KOR_SQL_VALUE KOR_SQL_VALUE::from_text(const QString& value)
     return result;
 }
 
+double KOR_SQL_VALUE::to_double() const
+{
+    switch (m_kind)
+    {
+    case BOOLEAN: return m_number.boolean ? 1.0 : 0.0;
+    case INTEGER: return double(m_number.integer);
+    case UNSIGNED: return double(m_number.unsigned_integer);
+    case REAL: return m_number.real;
+    default: return 0.0;
+    }
+}
+
+bool KOR_SQL_VALUE::is_comparable() const
+{
+    return m_kind != NONE && !(m_kind == REAL && std::isnan(m_number.real));
+}
+
 QString KOR_SQL_VALUE::to_text() const
 {
     switch (m_kind)

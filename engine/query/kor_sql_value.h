@@ -35,6 +35,10 @@ public:
     bool is_number() const { return m_kind == BOOLEAN || m_kind == INTEGER || m_kind == UNSIGNED || m_kind == REAL; }
     bool boolean() const { return m_kind == BOOLEAN ? m_number.boolean : false; }
     const QString& text() const { return m_text; }
+    // A number as a double (booleans 0 and 1); 0 for none and texts.
+    double to_double() const;
+    // Whether the value can equal anything: not none, not a NaN.
+    bool is_comparable() const;
 
     // Texts as they are; numbers in decimal (reals in the shortest form that
     // reads back the same); booleans "true" and "false"; none empty.
