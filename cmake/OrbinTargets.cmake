@@ -31,3 +31,28 @@ function(orbin_add_library name)
     target_include_directories(${name} PUBLIC ${CMAKE_CURRENT_SOURCE_DIR})
   endif()
 endfunction()
+
+# orbin_add_plugin(<name> SOURCES ... [LIBS ...] [OUTPUT_DIRECTORY dir])
+# A Quill plugin: a Qt plugin module linked against the host's library, put in
+# the host's plugin folder (or OUTPUT_DIRECTORY). It exports the two entry
+# points Qt looks for and nothing else, so the project's static libraries
+# linked into it never clash with the host's or another plugin's copies.
+set(ORBIN_PLUGIN_EXPORTS ${CMAKE_SOURCE_DIR}/cmake/plugin_exports.map)
+function(orbin_add_plugin name)
+  cmake_parse_arguments(P "" "OUTPUT_DIRECTORY" "SOURCES;LIBS" ${ARGN})
+  if(NOT P_OUTPUT_DIRECTORY)
+    set(P_OUTPUT_DIRECTORY ${ORBIN_PLUGIN_DIR})
+  endif()
+  add_library(${name} MODULE ${P_SOURCES})
+  # No precompiled header: a plugin module is a thin skin of a file or two
+  # over libraries that have theirs.
+  target_link_libraries(${name} PRIVATE quill_host_api Qt5::Core Qt5::Gui Qt5::Widgets ${P_LIBS})
+  set_target_properties(${name} PROPERTIES
+    LIBRARY_OUTPUT_DIRECTORY ${P_OUTPUT_DIRECTORY}
+    LINK_DEPENDS ${ORBIN_PLUGIN_EXPORTS})
+  target_link_options(${name} PRIVATE "LINKER:--version-script=${ORBIN_PLUGIN_EXPORTS}")
+  if(NOT ORBIN_SANITIZE)
+    # A missing symbol is found when linking, not when a user loads the plugin.
+    target_link_options(${name} PRIVATE "LINKER:--no-undefined")
+  endif()
+endfunction()

@@ -13,6 +13,16 @@ add_library(orbin_test_pch STATIC ${CMAKE_SOURCE_DIR}/cmake/pch_dummy.cpp)
 target_link_libraries(orbin_test_pch PUBLIC Qt5::Core Qt5::Gui Qt5::Widgets Qt5::Test)
 target_precompile_headers(orbin_test_pch PRIVATE ${ORBIN_PCH_WIDGETS} <QtTest/QtTest>)
 
+# Under the sanitizers a finding fails the test; leaks inside system libraries
+# that Qt loads (fonts, X) are not ours and are suppressed.
+set(ORBIN_SANITIZER_ENVIRONMENT "")
+if(ORBIN_SANITIZE)
+  set(ORBIN_SANITIZER_ENVIRONMENT
+    "ASAN_OPTIONS=detect_leaks=1:detect_stack_use_after_return=1"
+    "LSAN_OPTIONS=suppressions=${CMAKE_SOURCE_DIR}/cmake/lsan.supp:print_suppressions=0"
+    "UBSAN_OPTIONS=print_stacktrace=1:halt_on_error=1")
+endif()
+
 function(orbin_add_test name)
   cmake_parse_arguments(T "" "TIMEOUT" "SOURCES;LIBS;LABELS" ${ARGN})
   if(NOT T_TIMEOUT)
@@ -29,6 +39,9 @@ function(orbin_add_test name)
   set_tests_properties(${name} PROPERTIES
     TIMEOUT ${T_TIMEOUT}
     ENVIRONMENT "QT_QPA_PLATFORM=offscreen;LC_ALL=C.UTF-8;LANG=C.UTF-8;ORBIN_SOURCE_DIR=${CMAKE_SOURCE_DIR};ORBIN_BINARY_DIR=${CMAKE_BINARY_DIR}")
+  if(ORBIN_SANITIZER_ENVIRONMENT)
+    set_property(TEST ${name} APPEND PROPERTY ENVIRONMENT ${ORBIN_SANITIZER_ENVIRONMENT})
+  endif()
   if(T_LABELS)
     set_tests_properties(${name} PROPERTIES LABELS "${T_LABELS}")
   endif()

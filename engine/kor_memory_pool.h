@@ -1,0 +1,27 @@
+#pragma once
+
+#include <cstddef>
+#include <vector>
+
+// A bump allocator for the many small objects of a table read from a file
+// (its records, their fields and their field arrays). Nothing is freed one by
+// one: the whole pool goes with its table. Objects placed here are marked as
+// pooled so that their owners run destructors without freeing storage.
+class KOR_MEMORY_POOL
+{
+public:
+    KOR_MEMORY_POOL() = default;
+    KOR_MEMORY_POOL(const KOR_MEMORY_POOL&) = delete;
+    KOR_MEMORY_POOL& operator=(const KOR_MEMORY_POOL&) = delete;
+    ~KOR_MEMORY_POOL();
+
+    void* allocate(std::size_t size, std::size_t alignment = alignof(std::max_align_t));
+    std::size_t bytes_reserved() const { return m_reserved; }
+
+private:
+    static constexpr std::size_t BLOCK_SIZE = 1 << 20;
+    std::vector<char*> m_blocks;
+    char* m_current = nullptr;
+    std::size_t m_left = 0;
+    std::size_t m_reserved = 0;
+};

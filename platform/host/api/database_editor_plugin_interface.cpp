@@ -1,0 +1,5 @@
+#include "database_editor_plugin_interface.h"
+
+DATABASE_EDITOR_PLUGIN_INTERFACE::DATABASE_EDITOR_PLUGIN_INTERFACE(QObject* parent) : QObject(parent) {}
+
+DATABASE_EDITOR_PLUGIN_INTERFACE::~DATABASE_EDITOR_PLUGIN_INTERFACE() = default;

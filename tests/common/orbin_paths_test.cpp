@@ -1,0 +1,150 @@
+#include "orbin_paths.h"
+
+#include <QtCore/QTemporaryDir>
+#include <QtTest/QtTest>
+
+class ORBIN_PATHS_TEST : public QObject
+{
+    Q_OBJECT
+
+private:
+    static bool make_file(const QString& path, bool executable)
+    {
+        QFile file(path);
+        if (!file.open(QIODevice::WriteOnly))
+            return false;
+        file.write("#!/bin/sh\nexit 0\n");
+        file.close();
+        QFile::Permissions permissions = QFile::ReadOwner | QFile::WriteOwner;
+        if (executable)
+            permissions |= QFile::ExeOwner;
+        return file.setPermissions(permissions);
+    }
+
+    QByteArray m_saved_path;
+
+private slots:
+    void init() { m_saved_path = qgetenv("PATH"); }
+    void cleanup() { qputenv("PATH", m_saved_path); }
+
+    void conversions_data()
+    {
+        QTest::addColumn<QString>("windows");
+        QTest::addColumn<QString>("native");
+        QTest::newRow("leading separator") << "\\merge_log"
+                                           << "/merge_log";
+        QTest::newRow("nested literal") << "\\kiln\\export_changes_from_database_editor_configuration.xml"
+                                        << "/kiln/export_changes_from_database_editor_configuration.xml";
+        QTest::newRow("client root keeps its trailing separator") << "D:\\workspaces\\game\\"
+                                                                  << "D:/workspaces/game/";
+        QTest::newRow("already native") << "/home/user/db"
+                                        << "/home/user/db";
+        QTest::newRow("empty") << ""
+                               << "";
+    }
+
+    void conversions()
+    {
+        QFETCH(QString, windows);
+        QFETCH(QString, native);
+        QCOMPARE(ORBIN_PATHS::to_native(windows), native);
+        if (!windows.contains(QLatin1Char('/')))
+            QCOMPARE(ORBIN_PATHS::to_windows(native), windows);
+    }
+
+    void join_data()
+    {
+        QTest::addColumn<QString>("base");
+        QTest::addColumn<QString>("literal");
+        QTest::addColumn<QString>("joined");
+        QTest::newRow("home and merge_log") << "/home/u"
+                                            << "\\merge_log"
+                                            << "/home/u/merge_log";
+        QTest::newRow("base with separator, literal without") << "/p/bin/"
+                                                              << "kiln\\export.xml"
+                                                              << "/p/bin/kiln/export.xml";
+        QTest::newRow("both with separator") << "/p/bin/"
+                                             << "\\kiln\\export.xml"
+                                             << "/p/bin/kiln/export.xml";
+        QTest::newRow("neither with separator") << "/p/db"
+                                                << "schema_changes_requests"
+                                                << "/p/db/schema_changes_requests";
+        QTest::newRow("form descriptions") << "/p/db"
+                                           << "\\Veld_form_descriptions.xml"
+                                           << "/p/db/Veld_form_descriptions.xml";
+        QTest::newRow("windows base") << "D:\\ws\\"
+                                      << "game\\raw_data"
+                                      << "D:/ws/game/raw_data";
+        QTest::newRow("empty base") << ""
+                                    << "\\merge_log"
+                                    << "/merge_log";
+        QTest::newRow("empty literal") << "/p/bin/"
+                                       << ""
+                                       << "/p/bin/";
+    }
+
+    void join()
+    {
+        QFETCH(QString, base);
+        QFETCH(QString, literal);
+        QFETCH(QString, joined);
+        QCOMPARE(ORBIN_PATHS::join(base, literal), joined);
+    }
+
+    void executable_names_data()
+    {
+        QTest::addColumn<QString>("windows");
+        QTest::addColumn<QString>("native");
+        QTest::newRow("asset tool") << "KILN.release.exe"
+                                    << "KILN.release";
+        QTest::newRow("layout tool") << "Slatepad.UnityRelease.exe"
+                                     << "Slatepad.UnityRelease";
+        QTest::newRow("upper case suffix") << "wget114.EXE"
+                                           << "wget114";
+        QTest::newRow("no suffix") << "wget"
+                                   << "wget";
+        QTest::newRow("suffix inside the name") << "tool.exe.bak"
+                                                << "tool.exe.bak";
+    }
+
+    void executable_names()
+    {
+        QFETCH(QString, windows);
+        QFETCH(QString, native);
+        QCOMPARE(ORBIN_PATHS::executable_name(windows), native);
+    }
+
+    // Where a tool named the Windows way is found: the given folder first, then
+    // PATH, else where it would be in the folder.
+    void executable_lookup()
+    {
+        QTemporaryDir folder;
+        QTemporaryDir on_path;
+        QVERIFY(folder.isValid() && on_path.isValid());
+        qputenv("PATH", on_path.path().toLocal8Bit() + ':' + m_saved_path);
+
+        QVERIFY(make_file(folder.filePath("KILN.release"), true));
+        QCOMPARE(ORBIN_PATHS::executable("KILN.release.exe", folder.path()), folder.filePath("KILN.release"));
+
+        // Present but not executable in the folder: PATH wins.
+        QVERIFY(make_file(folder.filePath("Slatepad.UnityRelease"), false));
+        QVERIFY(make_file(on_path.filePath("Slatepad.UnityRelease"), true));
+        QCOMPARE(ORBIN_PATHS::executable("Slatepad.UnityRelease.exe", folder.path()),
+                 on_path.filePath("Slatepad.UnityRelease"));
+
+        // Nowhere: the path in the folder, which does not exist, so callers'
+        // existence checks see the tool as absent.
+        const QString missing = ORBIN_PATHS::executable("orbin_no_such_tool.exe", folder.path());
+        QCOMPARE(missing, folder.filePath("orbin_no_such_tool"));
+        QVERIFY(!QFileInfo::exists(missing));
+        QCOMPARE(ORBIN_PATHS::executable("orbin_no_such_tool.exe", QString()),
+                 QStringLiteral("orbin_no_such_tool"));
+
+        // A folder with a trailing separator, as project paths have.
+        QCOMPARE(ORBIN_PATHS::executable("KILN.release.exe", folder.path() + "/"),
+                 folder.filePath("KILN.release"));
+    }
+};
+
+QTEST_GUILESS_MAIN(ORBIN_PATHS_TEST)
+#include "orbin_paths_test.moc"

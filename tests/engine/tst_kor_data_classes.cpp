@@ -1,0 +1,331 @@
+// The data classes of the contract on their own, without a database.
+
+#include "kor_field_data.h"
+#include "kor_field_schema.h"
+#include "kor_record_data.h"
+#include "kor_table_data.h"
+#include "kor_table_schema.h"
+#include "metafield_and_schema.h"
+
+#include <QtTest>
+
+#include <memory>
+
+namespace
+{
+KOR_FIELD_SCHEMA* make_field(const QString& name, KOR_FIELD_TYPE type, bool key = false)
+{
+    KOR_FIELD_SCHEMA* field = new KOR_FIELD_SCHEMA(QUuid::createUuid());
+    field->initialise(key, name, type, key, QVariant(), -1, false, QString(), QString(), QString(), false,
+                      false, false);
+    return field;
+}
+
+std::unique_ptr<KOR_TABLE_SCHEMA> make_units_schema()
+{
+    auto schema = std::make_unique<KOR_TABLE_SCHEMA>(QStringLiteral("units"));
+    schema->add_field_schema(make_field(QStringLiteral("faction"), KFT_TEXT, true));
+    schema->add_field_schema(make_field(QStringLiteral("Unit_Name"), KFT_TEXT, true));
+    schema->add_field_schema(make_field(QStringLiteral("strength"), KFT_INTEGER));
+    schema->add_field_schema(make_field(QStringLiteral("id"), KFT_AUTONUMBER));
+    return schema;
+}
+
+KOR_RECORD_DATA* make_unit(const KOR_TABLE_SCHEMA* schema, const QString& faction, const QString& name,
+                           int id)
+{
+    KOR_RECORD_DATA* record = new KOR_RECORD_DATA(schema, nullptr, QUuid::createUuid());
+    record->add_field_data(schema->field_schema_by_name(QStringLiteral("faction")), faction);
+    record->add_field_data(schema->field_schema_by_name(QStringLiteral("unit_name")), name);
+    record->add_field_data(schema->field_schema_by_name(QStringLiteral("strength")), 10);
+    record->add_field_data(schema->field_schema_by_name(QStringLiteral("id")), id);
+    return record;
+}
+} // namespace
+
+class TST_KOR_DATA_CLASSES : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void field_types_and_metafields_round_trip();
+    void table_schema_follows_renames_and_keys();
+    void table_schema_copy_is_deep();
+    void record_fields_ignore_case_and_keys_join_without_separator();
+    void record_copy_keeps_or_renews_uuid();
+    void table_data_orders_by_key_and_indexes_by_uuid();
+    void uuid_index_survives_many_removals();
+    void next_autonumber_follows_changes();
+    void conversion_by_type_data();
+    void conversion_by_type();
+    void metafield_and_schema_orders_by_metafield_first();
+};
+
+void TST_KOR_DATA_CLASSES::field_types_and_metafields_round_trip()
+{
+    for (int type = KFT_YESNO; type <= KFT_CARD64; ++type)
+    {
+        const QString name = KOR_FIELD_SCHEMA::field_type_to_string(KOR_FIELD_TYPE(type));
+        QVERIFY(!name.isEmpty());
+        QCOMPARE(int(KOR_FIELD_SCHEMA::string_to_field_type(name)), type);
+        QCOMPARE(int(KOR_FIELD_SCHEMA::string_to_field_type(name.toUpper())), type);
+    }
+    QCOMPARE(KOR_FIELD_SCHEMA::field_type_to_string(KOR_FIELD_TYPE(12)), QString());
+    QCOMPARE(int(KOR_FIELD_SCHEMA::string_to_field_type(QStringLiteral("memo"))), int(KFT_NONE));
+
+    KOR_FIELD_SCHEMA field;
+    for (int metafield = 0; metafield < KMF_COUNT; ++metafield)
+        QVERIFY2(!KOR_FIELD_SCHEMA::metafield_to_string(KOR_METAFIELD(metafield)).isEmpty(),
+                 qPrintable(QString::number(metafield)));
+    QVERIFY(field.set_metafield_value(KMF_FIELD_NAME, QStringLiteral("cost")));
+    QVERIFY(field.set_metafield_value(KMF_FIELD_TYPE, int(KFT_SINGLE)));
+    QVERIFY(!field.set_metafield_value(KMF_FIELD_TYPE, 12));
+    QVERIFY(!field.set_metafield_value(KMF_FIELD_NAME, QStringLiteral("../escape")));
+    QCOMPARE(field.field_name(), QStringLiteral("cost"));
+    QCOMPARE(int(field.field_type()), int(KFT_SINGLE));
+
+    QVERIFY(field.set_metafield_value(KMF_FOREIGN_TABLE, QStringLiteral("resources")));
+    QVERIFY(field.set_metafield_value(KMF_FOREIGN_FIELD, QStringLiteral("key")));
+    QVERIFY(field.set_metafield_value(KMF_LOOKUP_FIELDS, QStringLiteral("key:name")));
+    QVERIFY(field.dependency());
+    QCOMPARE(*field.dependency(), qMakePair(QStringLiteral("resources"), QStringLiteral("key")));
+    QCOMPARE(field.lookup_fields(), QStringList({QStringLiteral("key"), QStringLiteral("name")}));
+    QCOMPARE(field.source_table(), QStringLiteral("resources"));
+    QVERIFY(field.set_metafield_value(KMF_FOREIGN_TABLE, QString()));
+    QVERIFY(!field.dependency());
+    QVERIFY(field.source_table().isEmpty());
+}
+
+void TST_KOR_DATA_CLASSES::table_schema_follows_renames_and_keys()
+{
+    auto schema = make_units_schema();
+    QCOMPARE(schema->primary_key_fields(),
+             QList<QString>({QStringLiteral("faction"), QStringLiteral("Unit_Name")}));
+    KOR_FIELD_SCHEMA* name = schema->field_schema_by_name(QStringLiteral("UNIT_NAME"));
+    QVERIFY(name);
+    QVERIFY(name->set_metafield_value(KMF_FIELD_NAME, QStringLiteral("label")));
+    QCOMPARE(schema->field_schema_by_name(QStringLiteral("label")), name);
+    QVERIFY(!schema->field_schema_by_name(QStringLiteral("unit_name")));
+    QCOMPARE(schema->column_ordering().at(1), QStringLiteral("label"));
+    QCOMPARE(schema->primary_key_fields().at(1), QStringLiteral("label"));
+    QVERIFY(!name->set_metafield_value(KMF_FIELD_NAME, QStringLiteral("STRENGTH")));
+
+    KOR_FIELD_SCHEMA* strength = schema->field_schema_by_name(QStringLiteral("strength"));
+    QVERIFY(strength->set_metafield_value(KMF_PRIMARY_KEY, true));
+    QCOMPARE(schema->primary_key_fields().size(), 3);
+
+    std::unique_ptr<KOR_FIELD_SCHEMA> clash(make_field(QStringLiteral("Strength"), KFT_TEXT));
+    QVERIFY(!schema->add_field_schema(clash.get()));
+    QVERIFY(!clash->owner());
+    std::unique_ptr<KOR_FIELD_SCHEMA> removed(schema->remove_field_schema(QStringLiteral("strength")));
+    QCOMPARE(removed.get(), strength);
+    QCOMPARE(schema->field_count(), 3);
+    QCOMPARE(schema->primary_key_fields().size(), 2);
+    QVERIFY(removed->table_name().isEmpty());
+}
+
+void TST_KOR_DATA_CLASSES::table_schema_copy_is_deep()
+{
+    auto schema = make_units_schema();
+    KOR_TABLE_SCHEMA copy(*schema);
+    QCOMPARE(copy.column_ordering(), schema->column_ordering());
+    QVERIFY(copy.field_schema_by_row(0) != schema->field_schema_by_row(0));
+    QCOMPARE(copy.field_schema_by_row(0)->field_unique_id(),
+             schema->field_schema_by_row(0)->field_unique_id());
+    copy.field_schema_by_row(0)->set_metafield_value(KMF_FIELD_NAME, QStringLiteral("side"));
+    QCOMPARE(schema->field_schema_by_row(0)->field_name(), QStringLiteral("faction"));
+
+    QStringList errors;
+    QVERIFY2(schema->is_valid(errors, true), qPrintable(errors.join('\n')));
+    KOR_TABLE_SCHEMA bad(QStringLiteral("../bad"));
+    bad.add_field_schema(make_field(QStringLiteral("x"), KFT_NONE));
+    QVERIFY(!bad.is_valid(errors, true));
+    QVERIFY(errors.size() >= 3);
+}
+
+void TST_KOR_DATA_CLASSES::record_fields_ignore_case_and_keys_join_without_separator()
+{
+    auto schema = make_units_schema();
+    std::unique_ptr<KOR_RECORD_DATA> record(
+        make_unit(schema.get(), QStringLiteral("rome"), QStringLiteral("hastati"), 1));
+    QCOMPARE(record->key(), QStringLiteral("romehastati"));
+    QVERIFY(record->get_field_data(QStringLiteral("UNIT_name")));
+    QCOMPARE(record->get_field_data(QStringLiteral("unit_name"))->m_value.toString(),
+             QStringLiteral("hastati"));
+    QVERIFY(!record->get_field_data(QStringLiteral("missing")));
+
+    QStringList names;
+    for (auto it = record->field_map().begin(); it != record->field_map().end(); ++it)
+        names.append(it.key().string());
+    QCOMPARE(names, QStringList({QStringLiteral("faction"), QStringLiteral("id"), QStringLiteral("strength"),
+                                 QStringLiteral("Unit_Name")}));
+
+    // Replacing a field keeps one field of that name.
+    record->add_field_data(schema->field_schema_by_name(QStringLiteral("strength")), 12);
+    QCOMPARE(record->field_count(), 4);
+    QCOMPARE(record->get_field_data(QStringLiteral("strength"))->m_value.toInt(), 12);
+    QVERIFY(record->remove_field_data(QStringLiteral("STRENGTH")));
+    QCOMPARE(record->field_count(), 3);
+}
+
+void TST_KOR_DATA_CLASSES::record_copy_keeps_or_renews_uuid()
+{
+    auto schema = make_units_schema();
+    std::unique_ptr<KOR_RECORD_DATA> record(
+        make_unit(schema.get(), QStringLiteral("rome"), QStringLiteral("triarii"), 2));
+    record->get_field_data(QStringLiteral("unit_name"))->set_approval_state(KOR_FIELD_DATA::TAS_APPROVED);
+    record->get_field_data(QStringLiteral("unit_name"))->set_last_approved_text(QStringLiteral("old"));
+
+    KOR_RECORD_DATA same(*record, nullptr, false);
+    KOR_RECORD_DATA renewed(*record, nullptr, true);
+    QCOMPARE(same.uuid(), record->uuid());
+    QVERIFY(renewed.uuid() != record->uuid());
+    QCOMPARE(same.key(), record->key());
+    const KOR_FIELD_DATA* copied = same.get_field_data(QStringLiteral("unit_name"));
+    QVERIFY(copied != record->get_field_data(QStringLiteral("unit_name")));
+    QVERIFY(copied->has_approval_data());
+    QCOMPARE(copied->last_approved_text(), QStringLiteral("old"));
+    QVERIFY(!same.get_field_data(QStringLiteral("strength"))->has_approval_data());
+}
+
+void TST_KOR_DATA_CLASSES::table_data_orders_by_key_and_indexes_by_uuid()
+{
+    auto schema = make_units_schema();
+    KOR_TABLE_DATA table(schema.get());
+    const QStringList names = {QStringLiteral("velites"), QStringLiteral("equites"),
+                               QStringLiteral("hastati")};
+    QList<QUuid> uuids;
+    for (const QString& name : names)
+    {
+        KOR_RECORD_DATA* record = make_unit(schema.get(), QStringLiteral("rome"), name, uuids.size() + 1);
+        uuids.append(record->uuid());
+        QString error;
+        QVERIFY2(table.add_record(record, &error), qPrintable(error));
+    }
+    QCOMPARE(table.records().keys(),
+             QList<QString>({QStringLiteral("romeequites"), QStringLiteral("romehastati"),
+                             QStringLiteral("romevelites")}));
+    for (const QUuid& uuid : uuids)
+        QCOMPARE(table.record_by_uuid(uuid)->uuid(), uuid);
+
+    QString error;
+    KOR_RECORD_DATA* duplicate =
+        make_unit(schema.get(), QStringLiteral("rome"), QStringLiteral("hastati"), 9);
+    QVERIFY(!table.add_record(duplicate, &error));
+    QVERIFY(error.contains(QStringLiteral("romehastati")));
+    delete duplicate;
+
+    KOR_TABLE_DATA copy(table);
+    QCOMPARE(copy.record_count(), 3);
+    QVERIFY(copy.record_by_uuid(uuids.first()) != table.record_by_uuid(uuids.first()));
+
+    std::unique_ptr<KOR_RECORD_DATA> taken(table.take_record(uuids.at(1)));
+    QVERIFY(taken);
+    QCOMPARE(table.record_count(), 2);
+    QVERIFY(!table.records().contains(QStringLiteral("romeequites")));
+    QVERIFY(!table.record_by_uuid(uuids.at(1)));
+
+    KOR_TABLE_DATA moved(std::move(copy));
+    QCOMPARE(moved.record_count(), 3);
+    for (KOR_RECORD_DATA* record : moved.records())
+        QCOMPARE(record->table_data(), &moved);
+}
+
+void TST_KOR_DATA_CLASSES::uuid_index_survives_many_removals()
+{
+    auto schema = make_units_schema();
+    KOR_TABLE_DATA table(schema.get());
+    QList<QUuid> uuids;
+    for (int i = 0; i < 2000; ++i)
+    {
+        KOR_RECORD_DATA* record = make_unit(schema.get(), QStringLiteral("f"), QString::number(i), i);
+        uuids.append(record->uuid());
+        QVERIFY(table.add_record(record));
+    }
+    for (int i = 0; i < 2000; i += 3)
+        QVERIFY(table.remove_record(uuids.at(i)));
+    int found = 0;
+    for (int i = 0; i < 2000; ++i)
+    {
+        const bool present = table.record_by_uuid(uuids.at(i)) != nullptr;
+        QCOMPARE(present, i % 3 != 0);
+        found += present;
+    }
+    QCOMPARE(table.records_by_uuid().size(), found);
+    int iterated = 0;
+    for (auto it = table.records_by_uuid().begin(); it != table.records_by_uuid().end(); ++it, ++iterated)
+        QCOMPARE(it.key(), it.value()->uuid());
+    QCOMPARE(iterated, found);
+}
+
+void TST_KOR_DATA_CLASSES::next_autonumber_follows_changes()
+{
+    auto schema = make_units_schema();
+    KOR_TABLE_DATA table(schema.get());
+    QCOMPARE(table.next_autonumber(QStringLiteral("id")), 1);
+    QCOMPARE(table.next_autonumber(QStringLiteral("nothing")), 0);
+    KOR_RECORD_DATA* a = make_unit(schema.get(), QStringLiteral("a"), QStringLiteral("a"), 7);
+    QVERIFY(table.add_record(a));
+    QCOMPARE(table.next_autonumber(QStringLiteral("id")), 8);
+    QVERIFY(table.add_record(make_unit(schema.get(), QStringLiteral("b"), QStringLiteral("b"), 3)));
+    QCOMPARE(table.next_autonumber(QStringLiteral("ID")), 8);
+    QVERIFY(table.remove_record(a->uuid()));
+    QCOMPARE(table.next_autonumber(QStringLiteral("id")), 4);
+}
+
+void TST_KOR_DATA_CLASSES::conversion_by_type_data()
+{
+    QTest::addColumn<int>("type");
+    QTest::addColumn<QString>("text");
+    QTest::addColumn<bool>("ok");
+    QTest::addColumn<QString>("back");
+
+    QTest::newRow("yesno word") << int(KFT_YESNO) << "TRUE" << true << "true";
+    QTest::newRow("yesno digit") << int(KFT_YESNO) << "0" << true << "false";
+    QTest::newRow("yesno junk") << int(KFT_YESNO) << "yes" << false << "";
+    QTest::newRow("integer") << int(KFT_INTEGER) << "-2147483648" << true << "-2147483648";
+    QTest::newRow("integer overflow") << int(KFT_INTEGER) << "2147483648" << false << "";
+    QTest::newRow("unsigned negative") << int(KFT_UNSIGNED_INTEGER) << "-1" << false << "";
+    QTest::newRow("single shortest") << int(KFT_SINGLE) << "0.1" << true << "0.1";
+    QTest::newRow("double shortest") << int(KFT_DOUBLE) << "2.5e-07" << true << "2.5e-07";
+    QTest::newRow("text keeps blanks") << int(KFT_TEXT) << " a b " << true << " a b ";
+    QTest::newRow("card64 full range")
+        << int(KFT_CARD64) << "18446744073709551615" << true << "18446744073709551615";
+    QTest::newRow("date-time") << int(KFT_DATE_TIME) << "2024-05-01T10:20:30.000Z" << true
+                               << "2024-05-01T10:20:30.000Z";
+    QTest::newRow("empty integer is no value") << int(KFT_INTEGER) << "" << true << "";
+    QTest::newRow("no type") << int(KFT_NONE) << "1" << false << "";
+}
+
+void TST_KOR_DATA_CLASSES::conversion_by_type()
+{
+    QFETCH(int, type);
+    QFETCH(QString, text);
+    QFETCH(bool, ok);
+    QFETCH(QString, back);
+    QString error;
+    QVariant value;
+    QCOMPARE(KOR_RECORD_DATA::convert_string_to_type(error, value, KOR_FIELD_TYPE(type), text), ok);
+    if (ok)
+        QCOMPARE(KOR_FIELD_DATA::variant_to_text(value), back);
+    else
+        QVERIFY(!error.isEmpty());
+}
+
+void TST_KOR_DATA_CLASSES::metafield_and_schema_orders_by_metafield_first()
+{
+    KOR_FIELD_SCHEMA a;
+    KOR_FIELD_SCHEMA b;
+    QMap<METAFIELD_AND_SCHEMA, QVariant> changes;
+    changes.insert(METAFIELD_AND_SCHEMA(KMF_FIELD_TYPE, &a), 1);
+    changes.insert(METAFIELD_AND_SCHEMA(KMF_REQUIRED, &b), 2);
+    changes.insert(METAFIELD_AND_SCHEMA(KMF_REQUIRED, &a), 3);
+    QCOMPARE(changes.size(), 3);
+    QCOMPARE(changes.firstKey().metafield, KMF_REQUIRED);
+    QCOMPARE(changes.lastKey().metafield, KMF_FIELD_TYPE);
+    changes.insert(METAFIELD_AND_SCHEMA(KMF_REQUIRED, &a), 4);
+    QCOMPARE(changes.size(), 3);
+}
+
+QTEST_GUILESS_MAIN(TST_KOR_DATA_CLASSES)
+#include "tst_kor_data_classes.moc"
