@@ -91,10 +91,6 @@ bool text_as_number(const QString& text, KOR_SQL_VALUE& out)
     return false;
 }
 
-bool is_number_kind(KOR_SQL_VALUE::KIND kind)
-{
-    return kind == KOR_SQL_VALUE::INTEGER || kind == KOR_SQL_VALUE::UNSIGNED || kind == KOR_SQL_VALUE::REAL;
-}
 
 class BINDER
 {
@@ -338,17 +334,17 @@ private:
         // A text field read as text is the field itself.
         if (natural_kind(field->field_type()) == KOR_SQL_VALUE::TEXT)
             as_text = false;
-        std::vector<KOR_SQL_PLAN::SLOT>& slots = m_plan.sources[size_t(source)].slots;
-        for (size_t i = 0; i < slots.size(); ++i)
+        std::vector<KOR_SQL_PLAN::COLUMN>& columns = m_plan.sources[size_t(source)].columns;
+        for (size_t i = 0; i < columns.size(); ++i)
         {
-            if (slots[i].field == field && slots[i].as_text == as_text)
+            if (columns[i].field == field && columns[i].as_text == as_text)
                 return int(i);
         }
-        KOR_SQL_PLAN::SLOT added;
+        KOR_SQL_PLAN::COLUMN added;
         added.field = field;
         added.as_text = as_text;
-        slots.push_back(added);
-        return int(slots.size()) - 1;
+        columns.push_back(added);
+        return int(columns.size()) - 1;
     }
 
     bool operand(const KOR_SQL_OPERAND& syntax, int limit, OPERAND& out, std::vector<int>& used)

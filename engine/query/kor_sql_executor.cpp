@@ -15,11 +15,11 @@
 namespace
 {
 // The records of one table that passed its own conditions, with the values of
-// the plan's slots side by side.
+// the plan's columns side by side.
 struct SCANNED
 {
     std::vector<const KOR_RECORD_DATA*> records;
-    std::vector<KOR_SQL_VALUE> values;   // records.size() rows of `width` slots
+    std::vector<KOR_SQL_VALUE> values;   // records.size() rows of `width` columns
     size_t width = 0;
 
     const KOR_SQL_VALUE& at(int row, int slot) const { return values[size_t(row) * width + size_t(slot)]; }
@@ -50,7 +50,7 @@ uint qHash(const JOIN_KEY& key, uint seed = 0)
     return hash;
 }
 
-KOR_SQL_VALUE read_slot(const KOR_RECORD_DATA& record, const KOR_SQL_PLAN::SLOT& slot)
+KOR_SQL_VALUE read_slot(const KOR_RECORD_DATA& record, const KOR_SQL_PLAN::COLUMN& slot)
 {
     const KOR_FIELD_DATA* data = record.get_field_data(slot.field->field_name());
     const QVariant value = data ? data->value() : QVariant();
@@ -86,13 +86,13 @@ KOR_SQL_VALUE read_slot(const KOR_RECORD_DATA& record, const KOR_SQL_PLAN::SLOT&
 
 void scan(const KOR_SQL_PLAN::SOURCE& source, const KOR_TABLE_DATA& table, SCANNED& out)
 {
-    out.width = source.slots.size();
+    out.width = source.columns.size();
     std::vector<KOR_SQL_VALUE> row(out.width);
     auto value_of = [&row](int, int slot) -> const KOR_SQL_VALUE& { return row[size_t(slot)]; };
     for (const KOR_RECORD_DATA* record : table.records())
     {
         for (size_t i = 0; i < out.width; ++i)
-            row[i] = read_slot(*record, source.slots[i]);
+            row[i] = read_slot(*record, source.columns[i]);
         bool keep = true;
         for (const KOR_SQL_PLAN::CONDITION& filter : source.filters)
         {
@@ -282,7 +282,7 @@ private:
             return;
         const size_t count = m_rows.size() / width;
         builder.reserve(int(count));
-        QVector<QUuid> uuids(int(width));
+        QVector<QUuid> uuids(static_cast<int>(width));
         for (size_t t = 0; t < count; ++t)
         {
             const int* rows = &m_rows[t * width];

@@ -18,9 +18,9 @@ class KOR_TABLE_SCHEMA;
 // makes it, the executor runs it.
 //
 // Each table of the statement is a source. Scanning a source reads a fixed set
-// of slots from every record: a slot is one field in one representation (its
-// own kind, or text for comparisons with text), so no value is converted
-// twice and nothing is parsed per row.
+// of columns from every record, addressed by slot number: a column is one
+// field in one representation (its own kind, or text for comparisons with
+// text), so no value is converted twice and nothing is parsed per row.
 struct KOR_SQL_PLAN
 {
     // Where a value comes from while a condition is tested.
@@ -55,7 +55,7 @@ struct KOR_SQL_PLAN
         bool constant_value = true;
     };
 
-    struct SLOT
+    struct COLUMN
     {
         const KOR_FIELD_SCHEMA* field = nullptr;
         bool as_text = false;   // read as text whatever the field's type
@@ -74,7 +74,7 @@ struct KOR_SQL_PLAN
         QString table;       // as the database names it
         QString qualifier;   // as the statement names it (the alias, if any)
         const KOR_TABLE_SCHEMA* schema = nullptr;
-        std::vector<SLOT> slots;
+        std::vector<COLUMN> columns;
         // Conditions on this source alone, tested while it is scanned.
         std::vector<CONDITION> filters;
         // For every source but the first: the hash join keys, and the

@@ -17,5 +17,12 @@ if(NOT TARGET kor_sql)
     PUBLIC_INCLUDE ${CMAKE_CURRENT_LIST_DIR})
 endif()
 
-set(KOR_ENGINE_QUERY_SOURCES)
+set(KOR_ENGINE_QUERY_SOURCES
+  ${CMAKE_CURRENT_LIST_DIR}/kor_query_results.cpp
+  ${CMAKE_CURRENT_LIST_DIR}/kor_query_results_builder.cpp
+  ${CMAKE_CURRENT_LIST_DIR}/kor_query_schema.cpp
+  ${CMAKE_CURRENT_LIST_DIR}/kor_query_store.cpp
+  ${CMAKE_CURRENT_LIST_DIR}/kor_sql_binder.cpp
+  ${CMAKE_CURRENT_LIST_DIR}/kor_sql_executor.cpp
+  ${CMAKE_CURRENT_LIST_DIR}/kor_sql_plan.cpp)
 set(KOR_ENGINE_QUERY_LIBS kor_sql)
