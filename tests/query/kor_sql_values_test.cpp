@@ -199,4 +199,4 @@ void TEST_KOR_SQL_VALUES::to_text()
 }
 
 QTEST_APPLESS_MAIN(TEST_KOR_SQL_VALUES)
-#include "test_kor_sql_values.moc"
+#include "kor_sql_values_test.moc"

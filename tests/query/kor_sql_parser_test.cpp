@@ -401,4 +401,4 @@ void TEST_KOR_SQL_PARSER::keywords()
 }
 
 QTEST_APPLESS_MAIN(TEST_KOR_SQL_PARSER)
-#include "test_kor_sql_parser.moc"
+#include "kor_sql_parser_test.moc"
