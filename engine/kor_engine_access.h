@@ -10,6 +10,7 @@
 #include "kor_record_data.h"
 #include "kor_table_data.h"
 
+#include <algorithm>
 #include <new>
 #include <vector>
 
@@ -50,17 +51,24 @@ public:
         record->m_fields.m_capacity = 0;
     }
 
-    // Files records sorted by key (keys unique) into an empty table.
-    static void adopt_sorted_records(KOR_TABLE_DATA& table, std::vector<KOR_RECORD_MAP::ENTRY>&& entries)
+    // Files records sorted by key (keys unique) into an empty table; the table
+    // owns them afterwards. Answers the first record whose uuid was taken
+    // already (left out of the uuid index), or null.
+    static const KOR_RECORD_DATA* adopt_sorted_records(KOR_TABLE_DATA& table,
+                                                       std::vector<KOR_RECORD_MAP::ENTRY>&& entries)
     {
+        const KOR_RECORD_DATA* duplicate = nullptr;
         table.m_records.m_entries = std::move(entries);
         table.m_records_by_uuid.reserve(quint32(table.m_records.m_entries.size()));
         for (const KOR_RECORD_MAP::ENTRY& entry : table.m_records.m_entries)
         {
             entry.record->m_in_table = true;
-            table.m_records_by_uuid.insert(entry.record);
+            entry.record->m_table_data = &table;
+            if (!table.m_records_by_uuid.insert(entry.record) && !duplicate)
+                duplicate = entry.record;
         }
         table.changed();
+        return duplicate;
     }
 
     static bool uuid_taken(const KOR_TABLE_DATA& table, const QUuid& uuid)
@@ -122,6 +130,38 @@ public:
     }
 
     static void mark_changed(KOR_TABLE_DATA& table) { table.changed(); }
+
+    // Files every record under its key again after key fields changed; false
+    // (and the map unchanged) when two records would share a key or one
+    // would have none.
+    static bool rebuild_keys(KOR_TABLE_DATA& table, QString& error)
+    {
+        std::vector<KOR_RECORD_MAP::ENTRY> entries;
+        entries.reserve(table.m_records.m_entries.size());
+        for (const KOR_RECORD_MAP::ENTRY& entry : table.m_records.m_entries)
+            entries.push_back(KOR_RECORD_MAP::ENTRY{entry.record->key(), entry.record});
+        std::sort(entries.begin(), entries.end(),
+                  [](const KOR_RECORD_MAP::ENTRY& a, const KOR_RECORD_MAP::ENTRY& b)
+                  { return a.key < b.key; });
+        for (size_t i = 0; i < entries.size(); ++i)
+        {
+            if (entries[i].key.isEmpty())
+            {
+                error =
+                    QStringLiteral("A record of table '%1' would have an empty key").arg(table.table_name());
+                return false;
+            }
+            if (i > 0 && entries[i].key == entries[i - 1].key)
+            {
+                error = QStringLiteral("Two records of table '%1' would have the key '%2'")
+                            .arg(table.table_name(), entries[i].key);
+                return false;
+            }
+        }
+        table.m_records.m_entries = std::move(entries);
+        table.changed();
+        return true;
+    }
 
     static KOR_FIELD_DATA* take_field(KOR_RECORD_DATA* record, const QString& name)
     {

@@ -20,10 +20,20 @@ set(KOR_ENGINE_SOURCES
   ${KOR_ENGINE_DIR}/data/patched_tables.cpp
   ${KOR_ENGINE_DIR}/data/tools_metrics.cpp
   ${KOR_ENGINE_DIR}/data/update_command_items.cpp
+  ${KOR_ENGINE_DIR}/kor_file_commit.cpp
   ${KOR_ENGINE_DIR}/kor_memory_pool.cpp
-  ${KOR_ENGINE_DIR}/kor_engine_pending.cpp
+  ${KOR_ENGINE_DIR}/kor_permissions.cpp
   ${KOR_ENGINE_DIR}/kor_query_stubs.cpp
+  ${KOR_ENGINE_DIR}/kor_table_io.cpp
+  ${KOR_ENGINE_DIR}/kor_unique_ids.cpp
+  ${KOR_ENGINE_DIR}/kor_update_command_codec.cpp
+  ${KOR_ENGINE_DIR}/kor_user_name.cpp
   ${KOR_ENGINE_DIR}/kor_workspace_stubs.cpp
+  ${KOR_ENGINE_DIR}/kor_xml_lookups.cpp
+  ${KOR_ENGINE_DIR}/kor_xml_output.cpp
   ${KOR_ENGINE_DIR}/kor_xml_query_interface.cpp
+  ${KOR_ENGINE_DIR}/kor_xml_records.cpp
+  ${KOR_ENGINE_DIR}/kor_xml_schema.cpp
+  ${KOR_ENGINE_DIR}/kor_xml_transactions.cpp
   # Listed so that moc sees the interface's signals.
   ${KOR_SESSION_DIR}/kor_xml_query_interface.h)

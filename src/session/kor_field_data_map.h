@@ -3,7 +3,10 @@
 #include "case_insensitive_compare_string.h"
 
 #include <QList>
+
 #include <QtGlobal>
+#include <cstddef>
+#include <iterator>
 
 class KOR_FIELD_DATA;
 
@@ -25,6 +28,14 @@ public:
     class const_iterator
     {
     public:
+        // Values are handed out as pointers, so the iterator reads like an
+        // input iterator for the standard algorithms.
+        using iterator_category = std::input_iterator_tag;
+        using value_type = KOR_FIELD_DATA*;
+        using difference_type = std::ptrdiff_t;
+        using pointer = const value_type*;
+        using reference = value_type;
+
         const_iterator() = default;
         explicit const_iterator(KOR_FIELD_DATA* const* item) : m_item(item) {}
         CASE_INSENSITIVE_COMPARE_STRING key() const;

@@ -1,7 +1,10 @@
 #pragma once
 
 #include <QList>
+
 #include <QString>
+#include <cstddef>
+#include <iterator>
 
 #include <vector>
 
@@ -28,6 +31,14 @@ public:
     class const_iterator
     {
     public:
+        // Values are handed out as pointers, so the iterator reads like an
+        // input iterator for the standard algorithms.
+        using iterator_category = std::input_iterator_tag;
+        using value_type = KOR_RECORD_DATA*;
+        using difference_type = std::ptrdiff_t;
+        using pointer = const value_type*;
+        using reference = value_type;
+
         const_iterator() = default;
         explicit const_iterator(const ENTRY* entry) : m_entry(entry) {}
         const QString& key() const { return m_entry->key; }

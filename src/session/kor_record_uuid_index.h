@@ -1,8 +1,11 @@
 #pragma once
 
 #include <QList>
+
 #include <QUuid>
 #include <QtGlobal>
+#include <cstddef>
+#include <iterator>
 
 class KOR_RECORD_DATA;
 
@@ -15,6 +18,14 @@ public:
     class const_iterator
     {
     public:
+        // Values are handed out as pointers, so the iterator reads like an
+        // input iterator for the standard algorithms.
+        using iterator_category = std::input_iterator_tag;
+        using value_type = KOR_RECORD_DATA*;
+        using difference_type = std::ptrdiff_t;
+        using pointer = const value_type*;
+        using reference = value_type;
+
         const_iterator() = default;
         const_iterator(KOR_RECORD_DATA* const* slot, KOR_RECORD_DATA* const* end) : m_slot(slot), m_end(end)
         {

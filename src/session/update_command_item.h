@@ -18,13 +18,13 @@ class UPDATE_COMMAND_ITEM
 public:
     enum COMMAND_TYPE
     {
-        UCT_ADD_TABLE = 1,    // table_schema(): the whole new table
-        UCT_ADD_FIELD = 2,    // field_schema(): the new field
-        UCT_CHANGE_FIELD = 3, // field_name(), field_uuid(), metafield(), old_value(), new_value()
-        UCT_REMOVE_FIELD = 4, // field_name(), field_uuid()
-        UCT_EDIT_TABLE = 5,   // table_schema(): the table's schema replaced as a whole
-        UCT_REMOVE_TABLE = 6, // table_name(); edit_description() holds the reason
-        UCT_CHANGE_TABLE = 7  // new_value(): the table's AGF special dependencies
+        UCT_ADD_TABLE = 1,      // table_schema(): the whole new table
+        UCT_ADD_FIELD = 2,      // field_schema(): the new field
+        UCT_CHANGE_FIELD = 3,   // field_name(), field_uuid(), metafield(), old_value(), new_value()
+        UCT_REMOVE_FIELD = 4,   // field_name(), field_uuid()
+        UCT_REORDER_FIELDS = 5, // new_value(): the field names (QStringList) in their new display order
+        UCT_REMOVE_TABLE = 6,   // table_name(); edit_description() holds the reason
+        UCT_CHANGE_TABLE = 7    // new_value(): the table's AGF special dependencies
     };
 
     UPDATE_COMMAND_ITEM();
@@ -49,11 +49,10 @@ public:
     int line() const { return m_line; }
     // The new field of UCT_ADD_FIELD; null otherwise.
     const KOR_FIELD_SCHEMA* field_schema() const { return m_field_schema.get(); }
-    // The schema of UCT_ADD_TABLE and UCT_EDIT_TABLE; null otherwise.
+    // The schema of UCT_ADD_TABLE; null otherwise.
     const KOR_TABLE_SCHEMA* table_schema() const { return m_table_schema.get(); }
 
 private:
-    friend class UPDATE_COMMAND_ITEMS;
     friend class KOR_UPDATE_COMMAND_CODEC;
     QString m_table_name;
     QString m_field_name;

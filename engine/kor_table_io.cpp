@@ -1,0 +1,1277 @@
+#include "kor_table_io.h"
+
+#include "case_insensitive_compare_string.h"
+#include "kor_database_schema.h"
+#include "kor_engine_access.h"
+#include "kor_field_data.h"
+#include "kor_field_schema.h"
+#include "kor_record_data.h"
+#include "kor_table_data.h"
+#include "kor_table_schema.h"
+#include "kor_xml_output.h"
+
+#include <QBuffer>
+#include <QDateTime>
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+
+#include <pugixml.hpp>
+
+#include <algorithm>
+#include <charconv>
+#include <cstring>
+#include <string_view>
+#include <unordered_map>
+
+namespace
+{
+const unsigned PARSE_OPTIONS = pugi::parse_escapes | pugi::parse_ws_pcdata_single;
+
+// ---------------------------------------------------------------- numbers
+
+bool is_blank(char c)
+{
+    return c == ' ' || c == '\t' || c == '\n' || c == '\r';
+}
+
+void trim(const char*& begin, const char*& end)
+{
+    while (begin < end && is_blank(*begin))
+        ++begin;
+    while (end > begin && is_blank(end[-1]))
+        --end;
+}
+
+bool parse_int32(const char* begin, const char* end, int& out)
+{
+    trim(begin, end);
+    if (begin < end && *begin == '+')
+        ++begin;
+    const auto result = std::from_chars(begin, end, out);
+    return result.ec == std::errc() && result.ptr == end && begin < end;
+}
+
+bool parse_uint64(const char* begin, const char* end, quint64& out)
+{
+    trim(begin, end);
+    if (begin < end && *begin == '+')
+        ++begin;
+    unsigned long long value = 0;
+    const auto result = std::from_chars(begin, end, value);
+    out = value;
+    return result.ec == std::errc() && result.ptr == end && begin < end;
+}
+
+template <typename T> bool parse_floating(const char* begin, const char* end, T& out)
+{
+    trim(begin, end);
+    if (begin < end && *begin == '+')
+        ++begin;
+    const auto result = std::from_chars(begin, end, out);
+    return result.ec == std::errc() && result.ptr == end && begin < end;
+}
+
+bool parse_bool(const char* begin, const char* end, bool& out)
+{
+    trim(begin, end);
+    const std::string_view text(begin, size_t(end - begin));
+    if (text == "true" || text == "1" || text == "True" || text == "TRUE")
+        out = true;
+    else if (text == "false" || text == "0" || text == "False" || text == "FALSE")
+        out = false;
+    else
+        return false;
+    return true;
+}
+
+int hex_value(char c)
+{
+    if (c >= '0' && c <= '9')
+        return c - '0';
+    if (c >= 'a' && c <= 'f')
+        return c - 'a' + 10;
+    if (c >= 'A' && c <= 'F')
+        return c - 'A' + 10;
+    return -1;
+}
+
+// "xxxxxxxx-xxxx-xxxx-xxxx-xxxxxxxxxxxx", with or without braces.
+bool parse_uuid(const char* text, QUuid& out)
+{
+    size_t length = std::strlen(text);
+    if (length == 38 && text[0] == '{' && text[37] == '}')
+    {
+        ++text;
+        length = 36;
+    }
+    if (length != 36 || text[8] != '-' || text[13] != '-' || text[18] != '-' || text[23] != '-')
+        return false;
+    uchar bytes[16];
+    int byte = 0;
+    for (size_t i = 0; i < 36;)
+    {
+        if (text[i] == '-')
+        {
+            ++i;
+            continue;
+        }
+        const int high = hex_value(text[i]);
+        const int low = hex_value(text[i + 1]);
+        if (high < 0 || low < 0)
+            return false;
+        bytes[byte++] = uchar(high * 16 + low);
+        i += 2;
+    }
+    out = QUuid::fromRfc4122(QByteArray::fromRawData(reinterpret_cast<const char*>(bytes), 16));
+    return true;
+}
+
+// Days since 1970-01-01 of a civil date (proleptic Gregorian).
+qint64 days_from_civil(int year, int month, int day)
+{
+    year -= month <= 2;
+    const qint64 era = (year >= 0 ? year : year - 399) / 400;
+    const int year_of_era = int(year - era * 400);
+    const int day_of_year = (153 * (month + (month > 2 ? -3 : 9)) + 2) / 5 + day - 1;
+    const int day_of_era = year_of_era * 365 + year_of_era / 4 - year_of_era / 100 + day_of_year;
+    return era * 146097 + day_of_era - 719468;
+}
+
+bool digits(const char* text, int count, int& out)
+{
+    out = 0;
+    for (int i = 0; i < count; ++i)
+    {
+        if (text[i] < '0' || text[i] > '9')
+            return false;
+        out = out * 10 + (text[i] - '0');
+    }
+    return true;
+}
+
+// "YYYY-MM-DDTHH:MM:SS[.mmm]Z" to milliseconds since the epoch.
+bool parse_timestamp(const char* text, qint64& out)
+{
+    const size_t length = std::strlen(text);
+    int year, month, day, hour, minute, second, millis = 0;
+    if (length < 20 || text[4] != '-' || text[7] != '-' || text[10] != 'T' || text[13] != ':' ||
+        text[16] != ':')
+        return false;
+    if (!digits(text, 4, year) || !digits(text + 5, 2, month) || !digits(text + 8, 2, day) ||
+        !digits(text + 11, 2, hour) || !digits(text + 14, 2, minute) || !digits(text + 17, 2, second))
+        return false;
+    size_t position = 19;
+    if (text[position] == '.')
+    {
+        if (length < 24 || !digits(text + 20, 3, millis))
+            return false;
+        position = 23;
+    }
+    if (text[position] != 'Z' || position + 1 != length)
+        return false;
+    if (month < 1 || month > 12 || day < 1 || day > 31 || hour > 23 || minute > 59 || second > 60)
+        return false;
+    out = ((days_from_civil(year, month, day) * 24 + hour) * 60 + minute) * 60000 + second * 1000 + millis;
+    return true;
+}
+
+QString timestamp_text(qint64 msecs)
+{
+    return QDateTime::fromMSecsSinceEpoch(msecs, Qt::UTC)
+        .toString(QStringLiteral("yyyy-MM-ddTHH:mm:ss.zzzZ"));
+}
+
+// ---------------------------------------------------------------- errors
+
+struct READ_CONTEXT
+{
+    QString source;
+    std::function<QByteArray()> pristine;
+    QByteArray pristine_bytes;
+    bool pristine_loaded = false;
+
+    QString where(qint64 offset)
+    {
+        if (!pristine_loaded)
+        {
+            pristine_bytes = pristine ? pristine() : QByteArray();
+            pristine_loaded = true;
+        }
+        if (offset < 0)
+            return source;
+        return source + QStringLiteral(", ") + KOR_TABLE_IO::line_and_column(pristine_bytes, offset);
+    }
+};
+
+// ---------------------------------------------------------------- fields
+
+struct FIELD_INFO
+{
+    const KOR_FIELD_SCHEMA* schema;
+    QByteArray name;
+    int slot; // position in a record's field array (name order ignoring case)
+    KOR_FIELD_TYPE type;
+    // Texts repeat a lot (categories, foreign keys): share one QString per
+    // distinct value while there are few of them.
+    std::unordered_map<std::string_view, QString> interned;
+    bool interning = true;
+};
+
+const size_t MAX_INTERNED = 4096;
+
+QString make_text(FIELD_INFO& info, const char* text, size_t length)
+{
+    if (!info.interning)
+        return QString::fromUtf8(text, int(length));
+    const std::string_view view(text, length);
+    auto it = info.interned.find(view);
+    if (it != info.interned.end())
+        return it->second;
+    QString value = QString::fromUtf8(text, int(length));
+    if (info.interned.size() >= MAX_INTERNED)
+    {
+        info.interning = false;
+        info.interned.clear();
+    }
+    else
+    {
+        info.interned.emplace(view, value);
+    }
+    return value;
+}
+
+bool convert_value(FIELD_INFO& info, const char* text, QVariant& out, QString& reason)
+{
+    const size_t length = std::strlen(text);
+    if (info.type == KFT_TEXT)
+    {
+        out = length == 0 ? QString(QLatin1String("")) : make_text(info, text, length);
+        return true;
+    }
+    const char* end = text + length;
+    const char* begin = text;
+    trim(begin, end);
+    if (begin == end)
+    {
+        out = QVariant();
+        return true;
+    }
+    bool ok = false;
+    switch (info.type)
+    {
+    case KFT_YESNO:
+    {
+        bool value = false;
+        ok = parse_bool(begin, end, value);
+        out = value;
+        break;
+    }
+    case KFT_INTEGER:
+    case KFT_UNSIGNED_INTEGER:
+    case KFT_AUTONUMBER:
+    {
+        int value = 0;
+        ok = parse_int32(begin, end, value) && (info.type != KFT_UNSIGNED_INTEGER || value >= 0);
+        out = value;
+        break;
+    }
+    case KFT_SINGLE:
+    {
+        float value = 0;
+        ok = parse_floating(begin, end, value);
+        out = value;
+        break;
+    }
+    case KFT_DOUBLE:
+    case KFT_DECIMAL:
+    {
+        double value = 0;
+        ok = parse_floating(begin, end, value);
+        out = value;
+        break;
+    }
+    case KFT_UNIQUE_ID:
+    case KFT_CARD64:
+    {
+        quint64 value = 0;
+        ok = parse_uint64(begin, end, value);
+        out = qulonglong(value);
+        break;
+    }
+    case KFT_DATE_TIME:
+    {
+        const QDateTime value =
+            QDateTime::fromString(QString::fromUtf8(begin, int(end - begin)), Qt::ISODateWithMs);
+        ok = value.isValid();
+        out = value.toUTC();
+        break;
+    }
+    default:
+        break;
+    }
+    if (!ok)
+        reason = QStringLiteral("'%1' is not a valid %2 value for field '%3'")
+                     .arg(QString::fromUtf8(begin, int(end - begin)),
+                          KOR_FIELD_SCHEMA::field_type_to_string(info.type), info.schema->field_name());
+    return ok;
+}
+
+bool read_approval(const pugi::xml_node& element, KOR_FIELD_DATA* field, QString& reason)
+{
+    for (pugi::xml_attribute attribute = element.first_attribute(); attribute;
+         attribute = attribute.next_attribute())
+    {
+        const char* name = attribute.name();
+        const char* value = attribute.value();
+        if (std::strcmp(name, "approval_state") == 0)
+        {
+            int state = 0;
+            if (!parse_int32(value, value + std::strlen(value), state) || state < 0 || state > 2)
+            {
+                reason = QStringLiteral("approval_state must be 0, 1 or 2, not '%1'")
+                             .arg(QString::fromUtf8(value));
+                return false;
+            }
+            field->set_approval_state(state);
+        }
+        else if (std::strcmp(name, "last_approved_text") == 0)
+            field->set_last_approved_text(QString::fromUtf8(value));
+        else if (std::strcmp(name, "last_edit_user") == 0)
+            field->set_last_edit_user(QString::fromUtf8(value));
+        else if (std::strcmp(name, "requires_translation") == 0 ||
+                 std::strcmp(name, "requires_recording") == 0)
+        {
+            bool flag = false;
+            if (!parse_bool(value, value + std::strlen(value), flag))
+            {
+                reason = QStringLiteral("%1 must be true or false, not '%2'")
+                             .arg(QString::fromUtf8(name), QString::fromUtf8(value));
+                return false;
+            }
+            if (name[9] == 't')
+                field->set_requires_translation(flag);
+            else
+                field->set_requires_recording(flag);
+        }
+        else
+        {
+            reason = QStringLiteral("unknown attribute '%1' of field '%2'")
+                         .arg(QString::fromUtf8(name), QString::fromUtf8(element.name()));
+            return false;
+        }
+    }
+    return true;
+}
+
+bool is_whitespace_text(const pugi::xml_node& node)
+{
+    for (const char* p = node.value(); *p; ++p)
+        if (!is_blank(*p))
+            return false;
+    return true;
+}
+
+// Destroys records made by the reader that no table owns yet.
+struct RECORD_GUARD
+{
+    std::vector<KOR_RECORD_DATA*> records;
+    bool owned_by_table = false;
+    ~RECORD_GUARD()
+    {
+        if (!owned_by_table)
+            for (KOR_RECORD_DATA* record : records)
+                record->~KOR_RECORD_DATA();
+    }
+};
+
+// ---------------------------------------------------------------- schema files
+
+struct FIELD_ATTRIBUTE
+{
+    const char* name;
+    KOR_METAFIELD metafield;
+    bool boolean;
+};
+
+// In the order they are written.
+const FIELD_ATTRIBUTE FIELD_ATTRIBUTES[] = {
+    {"primary_key", KMF_PRIMARY_KEY, true},
+    {"required", KMF_REQUIRED, true},
+    {"max_length", KMF_MAX_LENGTH, false},
+    {"default", KMF_DEFAULT_VALUE, false},
+    {"localised", KMF_LOCALISED, true},
+    {"spreadsheet", KMF_SPREADSHEET, false},
+    {"foreign_table", KMF_FOREIGN_TABLE, false},
+    {"foreign_field", KMF_FOREIGN_FIELD, false},
+    {"lookup_fields", KMF_LOOKUP_FIELDS, false},
+    {"is_file", KMF_IS_FILE, true},
+    {"relative_path", KMF_RELATIVE_PATH, false},
+    {"fragment_path", KMF_FRAGMENT_PATH, false},
+    {"encyclopaedia_export", KMF_ENCYCLOPAEDIA_EXPORT, true},
+    {"agf_from_this_field", KMF_AGF_FROM_THIS_FIELD, true},
+    {"agf_towards_this_field", KMF_AGF_TOWARDS_THIS_FIELD, true},
+    {"agf_done", KMF_AGF_DONE, true},
+    {"startpos_reprocess", KMF_STARTPOS_REPROCESS, true},
+    {"campaign_map_reprocess", KMF_CAMPAIGN_MAP_REPROCESS, true},
+    {"description", KMF_DESCRIPTION, false},
+};
+
+QString attribute_text_of(const KOR_FIELD_SCHEMA& field, KOR_METAFIELD metafield)
+{
+    const QVariant value = field.get_metafield_value(metafield);
+    switch (metafield)
+    {
+    case KMF_LOOKUP_FIELDS:
+        return value.toStringList().join(QLatin1Char(':'));
+    case KMF_MAX_LENGTH:
+        return value.toInt() < 0 ? QString() : QString::number(value.toInt());
+    case KMF_DEFAULT_VALUE:
+        return KOR_FIELD_DATA::variant_to_text(value);
+    default:
+        return value.toString();
+    }
+}
+} // namespace
+
+// ==================================================================== layout
+
+QString KOR_TABLE_IO::table_file_relative(const QString& table_name)
+{
+    return table_name + QStringLiteral(".xml");
+}
+
+QString KOR_TABLE_IO::schema_file_relative(const QString& table_name)
+{
+    return schema_folder_name() + QLatin1Char('/') + table_name + QStringLiteral(".xml");
+}
+
+QString KOR_TABLE_IO::table_file_path(const QString& database_path, const QString& table_name)
+{
+    return QDir(database_path).filePath(table_file_relative(table_name));
+}
+
+QString KOR_TABLE_IO::schema_file_path(const QString& database_path, const QString& table_name)
+{
+    return QDir(database_path).filePath(schema_file_relative(table_name));
+}
+
+bool KOR_TABLE_IO::is_table_file_name(const QString& file_name)
+{
+    return file_name.endsWith(QLatin1String(".xml")) && !file_name.startsWith(QLatin1String("Veld")) &&
+           file_name.size() > 4;
+}
+
+QStringList KOR_TABLE_IO::schema_table_names(const QString& database_path)
+{
+    QStringList names;
+    const QDir folder(QDir(database_path).filePath(schema_folder_name()));
+    for (const QString& file :
+         folder.entryList(QStringList(QStringLiteral("*.xml")), QDir::Files, QDir::Name))
+        if (file.endsWith(QLatin1String(".xml")))
+            names.append(file.left(file.size() - 4));
+    std::sort(names.begin(), names.end());
+    return names;
+}
+
+QStringList KOR_TABLE_IO::data_table_names(const QString& database_path)
+{
+    QStringList names;
+    for (const QString& file : QDir(database_path).entryList(QDir::Files, QDir::Name))
+        if (is_table_file_name(file))
+            names.append(file.left(file.size() - 4));
+    std::sort(names.begin(), names.end());
+    return names;
+}
+
+QByteArray KOR_TABLE_IO::validation_file_bytes()
+{
+    return QByteArrayLiteral("<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<veld_database format=\"1\"/>\n");
+}
+
+bool KOR_TABLE_IO::is_database(QString& error, const QString& database_path)
+{
+    const QString marker = QDir(database_path).filePath(validation_file_name());
+    QFile file(marker);
+    if (!QFileInfo(database_path).isDir())
+    {
+        error = QStringLiteral("'%1' is not a folder").arg(database_path);
+        return false;
+    }
+    if (!file.open(QIODevice::ReadOnly))
+    {
+        error =
+            QStringLiteral("'%1' is not a database: it has no %2").arg(database_path, validation_file_name());
+        return false;
+    }
+    const QByteArray bytes = file.readAll();
+    pugi::xml_document document;
+    const pugi::xml_parse_result result = document.load_buffer(bytes.constData(), size_t(bytes.size()));
+    const pugi::xml_node root = document.document_element();
+    if (!result || std::strcmp(root.name(), "veld_database") != 0)
+    {
+        error = QStringLiteral("%1: not a database marker").arg(marker);
+        return false;
+    }
+    const int format = root.attribute("format").as_int(0);
+    if (format < 1 || format > format_version())
+    {
+        error = QStringLiteral("%1: the database has format %2; this program reads format %3")
+                    .arg(marker)
+                    .arg(format)
+                    .arg(format_version());
+        return false;
+    }
+    return true;
+}
+
+int KOR_TABLE_IO::line_of(const QByteArray& bytes, qint64 offset)
+{
+    const qint64 end = qBound<qint64>(0, offset, bytes.size());
+    return 1 + int(std::count(bytes.constData(), bytes.constData() + end, '\n'));
+}
+
+QString KOR_TABLE_IO::line_and_column(const QByteArray& bytes, qint64 offset)
+{
+    const qint64 end = qBound<qint64>(0, offset, bytes.size());
+    const int line = line_of(bytes, end);
+    const qint64 line_start = bytes.lastIndexOf('\n', int(end) - 1) + 1;
+    return QStringLiteral("line %1, column %2").arg(line).arg(end - line_start + 1);
+}
+
+// ==================================================================== tables
+
+bool KOR_TABLE_IO::read_table_file(QString& error, const QString& path, const KOR_TABLE_SCHEMA& schema,
+                                   KOR_TABLE_DATA& out, KOR_TABLE_READ_DETAILS* details)
+{
+    QFile file(path);
+    if (!file.exists())
+    {
+        out = KOR_TABLE_DATA(&schema);
+        return true;
+    }
+    if (!file.open(QIODevice::ReadOnly))
+    {
+        error = QStringLiteral("%1: cannot be read: %2").arg(path, file.errorString());
+        return false;
+    }
+    QByteArray bytes = file.readAll();
+    if (file.error() != QFileDevice::NoError)
+    {
+        error = QStringLiteral("%1: cannot be read: %2").arg(path, file.errorString());
+        return false;
+    }
+    file.close();
+    // The buffer is parsed in place; an error is located in a fresh read.
+    return read_table_buffer(
+        error, bytes.data(), size_t(bytes.size()), path,
+        [path]()
+        {
+            QFile again(path);
+            return again.open(QIODevice::ReadOnly) ? again.readAll() : QByteArray();
+        },
+        schema, out, details);
+}
+
+bool KOR_TABLE_IO::read_table_bytes(QString& error, QByteArray bytes, const QString& source_name,
+                                    const KOR_TABLE_SCHEMA& schema, KOR_TABLE_DATA& out,
+                                    KOR_TABLE_READ_DETAILS* details)
+{
+    const QByteArray pristine = bytes;
+    char* buffer = bytes.data(); // detaches: `pristine` keeps the original
+    return read_table_buffer(
+        error, buffer, size_t(bytes.size()), source_name, [pristine]() { return pristine; }, schema, out,
+        details);
+}
+
+bool KOR_TABLE_IO::read_table_buffer(QString& error, char* buffer, size_t size, const QString& source_name,
+                                     const std::function<QByteArray()>& pristine,
+                                     const KOR_TABLE_SCHEMA& schema, KOR_TABLE_DATA& out,
+                                     KOR_TABLE_READ_DETAILS* details)
+{
+    READ_CONTEXT context{source_name, pristine, QByteArray(), false};
+    pugi::xml_document document;
+    const pugi::xml_parse_result parsed =
+        document.load_buffer_inplace(buffer, size, PARSE_OPTIONS, pugi::encoding_auto);
+    if (!parsed)
+    {
+        error = QStringLiteral("%1: malformed XML: %2")
+                    .arg(context.where(parsed.offset), QString::fromUtf8(parsed.description()));
+        return false;
+    }
+    const pugi::xml_node root = document.document_element();
+    if (!root || std::strcmp(root.name(), "table") != 0)
+    {
+        error = QStringLiteral("%1: the file is not a table: its root element is <%2>, not <table>")
+                    .arg(context.where(root ? root.offset_debug() : 0), QString::fromUtf8(root.name()));
+        return false;
+    }
+    const QString file_table = QString::fromUtf8(root.attribute("name").value());
+    if (file_table != schema.get_table_name())
+    {
+        error = QStringLiteral("%1: the file holds table '%2', not '%3'")
+                    .arg(context.where(root.offset_debug()), file_table, schema.get_table_name());
+        return false;
+    }
+
+    // Field slots: a record's field array is in name order ignoring case.
+    std::vector<FIELD_INFO> fields;
+    const int field_count = schema.field_count();
+    fields.reserve(size_t(field_count));
+    QList<QString> sorted_names = schema.column_ordering();
+    std::sort(sorted_names.begin(), sorted_names.end(),
+              [](const QString& a, const QString& b)
+              { return CASE_INSENSITIVE_COMPARE_STRING::compare(a, b) < 0; });
+    for (const QString& name : schema.column_ordering())
+    {
+        FIELD_INFO info;
+        info.schema = schema.field_schema_by_name(name);
+        info.name = name.toUtf8();
+        info.slot = int(sorted_names.indexOf(name));
+        info.type = info.schema->field_type();
+        fields.push_back(std::move(info));
+    }
+
+    KOR_TABLE_DATA loaded(&schema);
+    KOR_MEMORY_POOL& pool = KOR_ENGINE_ACCESS::pool(loaded);
+    RECORD_GUARD guard;
+    std::vector<KOR_RECORD_MAP::ENTRY> entries;
+    std::vector<std::pair<KOR_RECORD_DATA*, qint64>> offsets;
+    bool sorted = true;
+    int given_uuids = 0;
+
+    for (pugi::xml_node node = root.first_child(); node; node = node.next_sibling())
+    {
+        if (node.type() != pugi::node_element)
+        {
+            if ((node.type() == pugi::node_pcdata || node.type() == pugi::node_cdata) &&
+                !is_whitespace_text(node))
+            {
+                error = QStringLiteral("%1: text outside a record").arg(context.where(node.offset_debug()));
+                return false;
+            }
+            continue;
+        }
+        if (std::strcmp(node.name(), "record") != 0)
+        {
+            error = QStringLiteral("%1: unexpected element <%2> where a <record> belongs")
+                        .arg(context.where(node.offset_debug()), QString::fromUtf8(node.name()));
+            return false;
+        }
+        QUuid uuid;
+        qint64 modified = 0;
+        for (pugi::xml_attribute attribute = node.first_attribute(); attribute;
+             attribute = attribute.next_attribute())
+        {
+            if (std::strcmp(attribute.name(), "uuid") == 0)
+            {
+                if (!parse_uuid(attribute.value(), uuid) || uuid.isNull())
+                {
+                    error =
+                        QStringLiteral("%1: '%2' is not a valid uuid")
+                            .arg(context.where(node.offset_debug()), QString::fromUtf8(attribute.value()));
+                    return false;
+                }
+            }
+            else if (std::strcmp(attribute.name(), "modified") == 0)
+            {
+                if (!parse_timestamp(attribute.value(), modified))
+                {
+                    error =
+                        QStringLiteral("%1: '%2' is not a valid modification time (YYYY-MM-DDThh:mm:ss.zzzZ)")
+                            .arg(context.where(node.offset_debug()), QString::fromUtf8(attribute.value()));
+                    return false;
+                }
+            }
+            else
+            {
+                error = QStringLiteral("%1: unknown attribute '%2' of a record")
+                            .arg(context.where(node.offset_debug()), QString::fromUtf8(attribute.name()));
+                return false;
+            }
+        }
+        if (uuid.isNull())
+        {
+            // Older files may lack uuids; write_out_tables_with_uuids stores these.
+            uuid = QUuid::createUuid();
+            ++given_uuids;
+        }
+
+        KOR_RECORD_DATA* record = KOR_ENGINE_ACCESS::new_pooled_record(pool, &schema, &loaded, uuid);
+        guard.records.push_back(record);
+        record->set_modification_msecs(modified);
+        KOR_FIELD_DATA** items = static_cast<KOR_FIELD_DATA**>(
+            pool.allocate(sizeof(KOR_FIELD_DATA*) * size_t(qMax(1, field_count)), alignof(KOR_FIELD_DATA*)));
+        std::fill(items, items + field_count, nullptr);
+        auto fail_record = [&](const QString& reason, qint64 offset)
+        {
+            error = QStringLiteral("%1: %2").arg(context.where(offset), reason);
+            // Only the fields made so far belong to the record.
+            int made = 0;
+            for (int i = 0; i < field_count; ++i)
+                if (items[i])
+                    items[made++] = items[i];
+            std::sort(items, items + made,
+                      [](KOR_FIELD_DATA* a, KOR_FIELD_DATA* b)
+                      {
+                          return CASE_INSENSITIVE_COMPARE_STRING::compare(
+                                     a->field_schema()->field_name(), b->field_schema()->field_name()) < 0;
+                      });
+            KOR_ENGINE_ACCESS::set_pooled_fields(record, items, quint32(made));
+            return false;
+        };
+        // Fields of a record we wrote are in column order: try the next
+        // expected one first.
+        int expected = 0;
+        for (pugi::xml_node element = node.first_child(); element; element = element.next_sibling())
+        {
+            if (element.type() != pugi::node_element)
+            {
+                if ((element.type() == pugi::node_pcdata || element.type() == pugi::node_cdata) &&
+                    !is_whitespace_text(element))
+                {
+                    return fail_record(QStringLiteral("text outside a field"), element.offset_debug());
+                }
+                continue;
+            }
+            const char* name = element.name();
+            int index = -1;
+            if (expected < field_count && std::strcmp(fields[size_t(expected)].name.constData(), name) == 0)
+                index = expected;
+            for (int i = 0; index < 0 && i < field_count; ++i)
+                if (std::strcmp(fields[size_t(i)].name.constData(), name) == 0)
+                    index = i;
+            for (int i = 0; index < 0 && i < field_count; ++i)
+                if (qstricmp(fields[size_t(i)].name.constData(), name) == 0)
+                    index = i;
+            if (index < 0)
+                return fail_record(QStringLiteral("field '%1' is not in the schema of table '%2'")
+                                       .arg(QString::fromUtf8(name), schema.get_table_name()),
+                                   element.offset_debug());
+            FIELD_INFO& info = fields[size_t(index)];
+            if (items[info.slot])
+                return fail_record(
+                    QStringLiteral("field '%1' appears twice in one record").arg(QString::fromUtf8(name)),
+                    element.offset_debug());
+            const pugi::xml_node value_node = element.first_child();
+            if (value_node && value_node.type() == pugi::node_element)
+                return fail_record(
+                    QStringLiteral("field '%1' holds an element, not a value").arg(QString::fromUtf8(name)),
+                    value_node.offset_debug());
+            if (value_node && value_node.next_sibling())
+                return fail_record(
+                    QStringLiteral("field '%1' holds more than a value").arg(QString::fromUtf8(name)),
+                    value_node.next_sibling().offset_debug());
+            KOR_FIELD_DATA* field = KOR_ENGINE_ACCESS::new_pooled_field(pool, info.schema);
+            items[info.slot] = field;
+            QString reason;
+            if (!convert_value(info, value_node ? value_node.value() : "", field->m_value, reason))
+                return fail_record(reason, element.offset_debug());
+            if (element.first_attribute() && !read_approval(element, field, reason))
+                return fail_record(reason, element.offset_debug());
+            expected = index + 1;
+        }
+        // Fields a record lacks are empty, so every record has every field.
+        for (int i = 0; i < field_count; ++i)
+        {
+            FIELD_INFO& info = fields[size_t(i)];
+            if (!items[info.slot])
+            {
+                KOR_FIELD_DATA* field = KOR_ENGINE_ACCESS::new_pooled_field(pool, info.schema);
+                if (info.type == KFT_TEXT)
+                    field->m_value = QString(QLatin1String(""));
+                items[info.slot] = field;
+            }
+        }
+        KOR_ENGINE_ACCESS::set_pooled_fields(record, items, quint32(field_count));
+        QString key = record->key();
+        if (key.isEmpty())
+        {
+            error = QStringLiteral("%1: the record has an empty primary key")
+                        .arg(context.where(node.offset_debug()));
+            return false;
+        }
+        if (sorted && !entries.empty() && !(entries.back().key < key))
+            sorted = false;
+        entries.push_back(KOR_RECORD_MAP::ENTRY{std::move(key), record});
+        offsets.emplace_back(record, node.offset_debug());
+    }
+
+    if (!sorted)
+        std::stable_sort(entries.begin(), entries.end(),
+                         [](const KOR_RECORD_MAP::ENTRY& a, const KOR_RECORD_MAP::ENTRY& b)
+                         { return a.key < b.key; });
+    auto offset_of = [&offsets](const KOR_RECORD_DATA* record)
+    {
+        for (const auto& entry : offsets)
+            if (entry.first == record)
+                return entry.second;
+        return qint64(-1);
+    };
+    for (size_t i = 1; i < entries.size(); ++i)
+    {
+        if (entries[i - 1].key == entries[i].key)
+        {
+            error = QStringLiteral("%1: the key '%2' is used by two records (the other at %3)")
+                        .arg(context.where(offset_of(entries[i].record)), entries[i].key,
+                             context.where(offset_of(entries[i - 1].record)));
+            return false;
+        }
+    }
+    const KOR_RECORD_DATA* duplicate = KOR_ENGINE_ACCESS::adopt_sorted_records(loaded, std::move(entries));
+    guard.owned_by_table = true;
+    if (duplicate)
+    {
+        error =
+            QStringLiteral("%1: the uuid %2 is used by two records")
+                .arg(context.where(offset_of(duplicate)), duplicate->uuid().toString(QUuid::WithoutBraces));
+        return false;
+    }
+    if (details)
+    {
+        details->records_given_uuids = given_uuids;
+        if (details->want_record_offsets)
+        {
+            details->record_offsets.clear();
+            details->record_offsets.reserve(offsets.size());
+            for (const auto& entry : offsets)
+                details->record_offsets.emplace_back(entry.first, entry.second);
+        }
+    }
+    out = std::move(loaded);
+    return true;
+}
+
+namespace
+{
+void write_value(KOR_XML_OUTPUT& output, const QVariant& value)
+{
+    switch (int(value.type()))
+    {
+    case QMetaType::QString:
+        output.text(value.toString());
+        break;
+    case QMetaType::Int:
+        output.number(value.toInt());
+        break;
+    case QMetaType::Bool:
+        output.raw(value.toBool() ? "true" : "false");
+        break;
+    case QMetaType::ULongLong:
+        output.unsigned_number(value.toULongLong());
+        break;
+    case QMetaType::LongLong:
+        output.number(value.toLongLong());
+        break;
+    default:
+        output.text(KOR_FIELD_DATA::variant_to_text(value));
+        break;
+    }
+}
+
+bool value_is_empty(const QVariant& value)
+{
+    if (!value.isValid())
+        return true;
+    if (value.type() == QVariant::String)
+        return value.toString().isEmpty();
+    return false;
+}
+} // namespace
+
+bool KOR_TABLE_IO::write_table(QString& error, QIODevice& device, const KOR_TABLE_DATA& table)
+{
+    const KOR_TABLE_SCHEMA* schema = table.table_schema();
+    if (!schema)
+    {
+        error = QStringLiteral("The table has no schema");
+        return false;
+    }
+    KOR_XML_OUTPUT output(&device);
+    output.raw("<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<table");
+    output.attribute("name", schema->get_table_name());
+    output.raw(">\n");
+    std::vector<QByteArray> names;
+    for (const QString& name : schema->column_ordering())
+        names.push_back(name.toUtf8());
+    const QList<QString>& columns = schema->column_ordering();
+    for (const KOR_RECORD_DATA* record : table.records())
+    {
+        output.raw("  <record uuid=\"");
+        output.raw(record->uuid().toString(QUuid::WithoutBraces).toLatin1().constData());
+        output.raw('"');
+        if (record->modification_msecs() != 0)
+            output.attribute("modified", timestamp_text(record->modification_msecs()));
+        output.raw(">\n");
+        for (int column = 0; column < columns.size(); ++column)
+        {
+            const KOR_FIELD_DATA* field = record->get_field_data(columns.at(column));
+            if (!field)
+                continue;
+            const QByteArray& name = names[size_t(column)];
+            output.raw("    <", 5);
+            output.raw(name.constData(), name.size());
+            if (field->has_approval_data())
+            {
+                output.raw(" approval_state=\"");
+                output.number(field->approval_state());
+                output.raw('"');
+                if (!field->last_approved_text().isEmpty())
+                    output.attribute("last_approved_text", field->last_approved_text());
+                if (!field->last_edit_user().isEmpty())
+                    output.attribute("last_edit_user", field->last_edit_user());
+                if (field->requires_translation())
+                    output.raw(" requires_translation=\"true\"");
+                if (field->requires_recording())
+                    output.raw(" requires_recording=\"true\"");
+            }
+            if (value_is_empty(field->m_value))
+            {
+                output.raw("/>\n", 3);
+                continue;
+            }
+            output.raw('>');
+            write_value(output, field->m_value);
+            output.raw("</", 2);
+            output.raw(name.constData(), name.size());
+            output.raw(">\n", 2);
+        }
+        output.raw("  </record>\n");
+    }
+    output.raw("</table>\n");
+    return output.flush(error);
+}
+
+QByteArray KOR_TABLE_IO::table_bytes(const KOR_TABLE_DATA& table)
+{
+    QByteArray bytes;
+    QBuffer buffer(&bytes);
+    buffer.open(QIODevice::WriteOnly);
+    QString error;
+    write_table(error, buffer, table);
+    return bytes;
+}
+
+// ==================================================================== schemas
+
+QByteArray KOR_TABLE_IO::schema_bytes(const KOR_TABLE_SCHEMA& schema)
+{
+    QByteArray bytes;
+    QBuffer buffer(&bytes);
+    buffer.open(QIODevice::WriteOnly);
+    KOR_XML_OUTPUT output(&buffer);
+    output.raw("<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<table_schema");
+    output.attribute("name", schema.get_table_name());
+    if (!schema.table_unique_id().isNull())
+        output.attribute("uuid", schema.table_unique_id().toString(QUuid::WithoutBraces));
+    if (!schema.agf_special_dependencies().isEmpty())
+        output.attribute("agf_special_dependencies", schema.agf_special_dependencies());
+    output.raw(">\n");
+    for (const QString& name : schema.column_ordering())
+    {
+        const KOR_FIELD_SCHEMA* field = schema.field_schema_by_name(name);
+        output.raw("  <field");
+        output.attribute("name", field->field_name());
+        if (!field->field_unique_id().isNull())
+            output.attribute("uuid", field->field_unique_id().toString(QUuid::WithoutBraces));
+        output.attribute("type", KOR_FIELD_SCHEMA::field_type_to_string(field->field_type()));
+        for (const FIELD_ATTRIBUTE& attribute : FIELD_ATTRIBUTES)
+        {
+            if (attribute.boolean)
+            {
+                if (field->get_metafield_value(attribute.metafield).toBool())
+                    output.attribute(attribute.name, QStringLiteral("true"));
+                continue;
+            }
+            const QString text = attribute_text_of(*field, attribute.metafield);
+            if (!text.isEmpty())
+                output.attribute(attribute.name, text);
+        }
+        QStringList fixed = field->fixed_column_values().values();
+        if (fixed.isEmpty())
+        {
+            output.raw("/>\n");
+            continue;
+        }
+        std::sort(fixed.begin(), fixed.end());
+        output.raw(">\n");
+        for (const QString& value : fixed)
+        {
+            output.raw("    <fixed_value>");
+            output.text(value);
+            output.raw("</fixed_value>\n");
+        }
+        output.raw("  </field>\n");
+    }
+    output.raw("</table_schema>\n");
+    QString error;
+    output.flush(error);
+    return bytes;
+}
+
+bool KOR_TABLE_IO::read_schema_bytes(QString& error, QByteArray bytes, const QString& source_name,
+                                     std::unique_ptr<KOR_TABLE_SCHEMA>& out)
+{
+    const QByteArray pristine = bytes;
+    READ_CONTEXT context{source_name, [pristine]() { return pristine; }, QByteArray(), false};
+    pugi::xml_document document;
+    const pugi::xml_parse_result parsed =
+        document.load_buffer_inplace(bytes.data(), size_t(bytes.size()), PARSE_OPTIONS, pugi::encoding_auto);
+    if (!parsed)
+    {
+        error = QStringLiteral("%1: malformed XML: %2")
+                    .arg(context.where(parsed.offset), QString::fromUtf8(parsed.description()));
+        return false;
+    }
+    const pugi::xml_node root = document.document_element();
+    if (!root || std::strcmp(root.name(), "table_schema") != 0)
+    {
+        error = QStringLiteral("%1: the file is not a table schema: its root element is <%2>")
+                    .arg(context.where(root ? root.offset_debug() : 0), QString::fromUtf8(root.name()));
+        return false;
+    }
+    auto schema = std::make_unique<KOR_TABLE_SCHEMA>(QString::fromUtf8(root.attribute("name").value()));
+    if (!KOR_FIELD_SCHEMA::is_valid_name(schema->get_table_name()))
+    {
+        error = QStringLiteral("%1: '%2' is not a valid table name")
+                    .arg(context.where(root.offset_debug()), schema->get_table_name());
+        return false;
+    }
+    for (pugi::xml_attribute attribute = root.first_attribute(); attribute;
+         attribute = attribute.next_attribute())
+    {
+        const char* name = attribute.name();
+        if (std::strcmp(name, "name") == 0)
+            continue;
+        if (std::strcmp(name, "uuid") == 0)
+        {
+            QUuid uuid;
+            if (!parse_uuid(attribute.value(), uuid))
+            {
+                error = QStringLiteral("%1: '%2' is not a valid uuid")
+                            .arg(context.where(root.offset_debug()), QString::fromUtf8(attribute.value()));
+                return false;
+            }
+            schema->set_table_unique_id(uuid);
+        }
+        else if (std::strcmp(name, "agf_special_dependencies") == 0)
+            schema->set_agf_special_dependencies(QString::fromUtf8(attribute.value()));
+        else
+        {
+            error = QStringLiteral("%1: unknown attribute '%2' of a table schema")
+                        .arg(context.where(root.offset_debug()), QString::fromUtf8(name));
+            return false;
+        }
+    }
+    for (pugi::xml_node node = root.first_child(); node; node = node.next_sibling())
+    {
+        if (node.type() != pugi::node_element)
+        {
+            if (!is_whitespace_text(node))
+            {
+                error = QStringLiteral("%1: text outside a field").arg(context.where(node.offset_debug()));
+                return false;
+            }
+            continue;
+        }
+        if (std::strcmp(node.name(), "field") != 0)
+        {
+            error = QStringLiteral("%1: unexpected element <%2> where a <field> belongs")
+                        .arg(context.where(node.offset_debug()), QString::fromUtf8(node.name()));
+            return false;
+        }
+        auto field = std::make_unique<KOR_FIELD_SCHEMA>();
+        const QString field_name = QString::fromUtf8(node.attribute("name").value());
+        if (!KOR_FIELD_SCHEMA::is_valid_name(field_name))
+        {
+            error = QStringLiteral("%1: '%2' is not a valid field name")
+                        .arg(context.where(node.offset_debug()), field_name);
+            return false;
+        }
+        field->set_metafield_value(KMF_FIELD_NAME, field_name);
+        QString default_text;
+        bool has_default = false;
+        for (pugi::xml_attribute attribute = node.first_attribute(); attribute;
+             attribute = attribute.next_attribute())
+        {
+            const char* name = attribute.name();
+            const QString value = QString::fromUtf8(attribute.value());
+            if (std::strcmp(name, "name") == 0)
+                continue;
+            if (std::strcmp(name, "uuid") == 0)
+            {
+                QUuid uuid;
+                if (!parse_uuid(attribute.value(), uuid))
+                {
+                    error = QStringLiteral("%1: '%2' is not a valid uuid")
+                                .arg(context.where(node.offset_debug()), value);
+                    return false;
+                }
+                field->set_field_unique_id(uuid);
+                continue;
+            }
+            if (std::strcmp(name, "type") == 0)
+            {
+                const KOR_FIELD_TYPE type = KOR_FIELD_SCHEMA::string_to_field_type(value);
+                if (type == KFT_NONE)
+                {
+                    error = QStringLiteral("%1: field '%2' has the unknown type '%3'")
+                                .arg(context.where(node.offset_debug()), field_name, value);
+                    return false;
+                }
+                field->set_metafield_value(KMF_FIELD_TYPE, int(type));
+                continue;
+            }
+            const FIELD_ATTRIBUTE* known = nullptr;
+            for (const FIELD_ATTRIBUTE& candidate : FIELD_ATTRIBUTES)
+                if (std::strcmp(candidate.name, name) == 0)
+                    known = &candidate;
+            if (!known)
+            {
+                error = QStringLiteral("%1: unknown attribute '%2' of field '%3'")
+                            .arg(context.where(node.offset_debug()), QString::fromUtf8(name), field_name);
+                return false;
+            }
+            if (known->boolean)
+            {
+                bool flag = false;
+                if (!parse_bool(attribute.value(), attribute.value() + std::strlen(attribute.value()), flag))
+                {
+                    error = QStringLiteral("%1: %2 of field '%3' must be true or false, not '%4'")
+                                .arg(context.where(node.offset_debug()), QString::fromUtf8(name), field_name,
+                                     value);
+                    return false;
+                }
+                field->set_metafield_value(known->metafield, flag);
+            }
+            else if (known->metafield == KMF_DEFAULT_VALUE)
+            {
+                default_text = value;
+                has_default = true;
+            }
+            else if (!field->set_metafield_value(known->metafield, value))
+            {
+                error =
+                    QStringLiteral("%1: '%2' is not a valid %3 of field '%4'")
+                        .arg(context.where(node.offset_debug()), value, QString::fromUtf8(name), field_name);
+                return false;
+            }
+        }
+        if (field->field_type() == KFT_NONE)
+        {
+            error = QStringLiteral("%1: field '%2' has no type")
+                        .arg(context.where(node.offset_debug()), field_name);
+            return false;
+        }
+        if (has_default)
+        {
+            QVariant value;
+            QString reason;
+            if (!KOR_RECORD_DATA::convert_string_to_type(reason, value, field->field_type(), default_text))
+                value = default_text; // kept as written; the schema check reports it
+            field->set_metafield_value(KMF_DEFAULT_VALUE, value);
+        }
+        QSet<QString> fixed;
+        for (pugi::xml_node child = node.first_child(); child; child = child.next_sibling())
+        {
+            if (child.type() != pugi::node_element)
+            {
+                if (!is_whitespace_text(child))
+                {
+                    error = QStringLiteral("%1: text inside field '%2'")
+                                .arg(context.where(child.offset_debug()), field_name);
+                    return false;
+                }
+                continue;
+            }
+            if (std::strcmp(child.name(), "fixed_value") != 0)
+            {
+                error = QStringLiteral("%1: unexpected element <%2> in field '%3'")
+                            .arg(context.where(child.offset_debug()), QString::fromUtf8(child.name()),
+                                 field_name);
+                return false;
+            }
+            fixed.insert(QString::fromUtf8(child.child_value()));
+        }
+        field->set_fixed_column_values(fixed);
+        if (field->field_unique_id().isNull())
+            field->set_field_unique_id(QUuid::createUuid());
+        KOR_FIELD_SCHEMA* raw = field.release();
+        if (!schema->add_field_schema(raw))
+        {
+            delete raw;
+            error = QStringLiteral("%1: the field name '%2' is used twice")
+                        .arg(context.where(node.offset_debug()), field_name);
+            return false;
+        }
+    }
+    if (schema->table_unique_id().isNull())
+        schema->set_table_unique_id(QUuid::createUuid());
+    out = std::move(schema);
+    return true;
+}
+
+bool KOR_TABLE_IO::read_schema_file(QString& error, const QString& path,
+                                    std::unique_ptr<KOR_TABLE_SCHEMA>& out)
+{
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly))
+    {
+        error = QStringLiteral("%1: cannot be read: %2").arg(path, file.errorString());
+        return false;
+    }
+    return read_schema_bytes(error, file.readAll(), path, out);
+}
+
+bool KOR_TABLE_IO::read_database_schema(QString& error, const QString& database_path,
+                                        KOR_DATABASE_SCHEMA& out, QStringList* warnings)
+{
+    out.clear();
+    const QStringList names = schema_table_names(database_path);
+    for (const QString& name : names)
+    {
+        const QString path = schema_file_path(database_path, name);
+        std::unique_ptr<KOR_TABLE_SCHEMA> schema;
+        if (!read_schema_file(error, path, schema))
+            return false;
+        if (schema->get_table_name() != name)
+        {
+            error = QStringLiteral("%1: the file describes table '%2'; its name says '%3'")
+                        .arg(path, schema->get_table_name(), name);
+            return false;
+        }
+        if (!out.add_table_schema(schema.get()))
+        {
+            error = QStringLiteral("%1: a table of the same name, ignoring case, exists already").arg(path);
+            return false;
+        }
+        schema.release();
+    }
+    out.rebuild_relations();
+    if (warnings)
+    {
+        for (const QString& table : data_table_names(database_path))
+            if (!out.table_schema(table))
+                warnings->append(QStringLiteral("%1: the table file has no schema and is ignored")
+                                     .arg(table_file_path(database_path, table)));
+        for (const KOR_TABLE_SCHEMA* schema : out.table_schemas())
+        {
+            for (const KOR_FIELD_SCHEMA* field : schema->field_schemas())
+            {
+                if (field->source_table().isEmpty())
+                    continue;
+                const KOR_TABLE_SCHEMA* foreign = out.table_schema(field->source_table());
+                if (!foreign)
+                    warnings->append(
+                        QStringLiteral("%1.%2 refers to the unknown table '%3'")
+                            .arg(schema->get_table_name(), field->field_name(), field->source_table()));
+                else if (!field->dependency()->second.isEmpty() &&
+                         !foreign->field_schema_by_name(field->dependency()->second))
+                    warnings->append(QStringLiteral("%1.%2 refers to the unknown field '%3.%4'")
+                                         .arg(schema->get_table_name(), field->field_name(),
+                                              field->source_table(), field->dependency()->second));
+            }
+        }
+    }
+    return true;
+}

@@ -1,0 +1,146 @@
+#include "test_database_builder.h"
+
+#include "kor_field_data.h"
+#include "kor_field_schema.h"
+#include "kor_record_data.h"
+#include "kor_table_schema.h"
+#include "kor_xml_query_interface.h"
+
+#include <QDir>
+#include <QUuid>
+
+TEST_FIELD TEST_FIELD::key(const QString& name, KOR_FIELD_TYPE type)
+{
+    TEST_FIELD field;
+    field.name = name;
+    field.type = type;
+    field.primary_key = true;
+    field.is_required = true;
+    return field;
+}
+
+TEST_FIELD TEST_FIELD::plain(const QString& name, KOR_FIELD_TYPE type)
+{
+    TEST_FIELD field;
+    field.name = name;
+    field.type = type;
+    return field;
+}
+
+TEST_FIELD& TEST_FIELD::required()
+{
+    is_required = true;
+    return *this;
+}
+
+TEST_FIELD& TEST_FIELD::localised()
+{
+    is_localised = true;
+    return *this;
+}
+
+TEST_FIELD& TEST_FIELD::with_default(const QVariant& value)
+{
+    default_value = value;
+    return *this;
+}
+
+TEST_FIELD& TEST_FIELD::refers_to(const QString& table, const QString& field, const QStringList& lookups)
+{
+    foreign_table = table;
+    foreign_field = field;
+    lookup_fields = lookups.isEmpty() ? QStringList{field} : lookups;
+    return *this;
+}
+
+KOR_FIELD_SCHEMA* TEST_FIELD::make() const
+{
+    KOR_FIELD_SCHEMA* field = new KOR_FIELD_SCHEMA(QUuid::createUuid());
+    field->initialise(primary_key, name, type, is_required, default_value, type == KFT_TEXT ? 255 : -1, false,
+                      QString(), QString(), QString(), false, false, false);
+    field->set_metafield_value(KMF_LOCALISED, is_localised);
+    if (!foreign_table.isEmpty())
+    {
+        field->add_dependency(foreign_table, foreign_field);
+        field->set_metafield_value(KMF_LOOKUP_FIELDS, lookup_fields);
+    }
+    return field;
+}
+
+void TEST_PROGRESS::report(const char* text, int severity)
+{
+    reports.append(qMakePair(QString::fromUtf8(text ? text : ""), severity));
+}
+
+QString TEST_PROGRESS::texts(int minimum_severity) const
+{
+    QStringList result;
+    for (const auto& entry : reports)
+        if (entry.second >= minimum_severity)
+            result.append(entry.first);
+    return result.join(QLatin1Char('\n'));
+}
+
+TEST_DATABASE_BUILDER::TEST_DATABASE_BUILDER(const QString& path, PROGRESS_CALLBACK* progress)
+    : m_path(path), m_interface(new KOR_XML_QUERY_INTERFACE(progress, QString(), false, false))
+{
+    note(KOR_XML_QUERY_INTERFACE::create_empty_database(path));
+    if (ok())
+        note(m_interface->connect_without_merge(path, false));
+}
+
+TEST_DATABASE_BUILDER::~TEST_DATABASE_BUILDER() = default;
+
+void TEST_DATABASE_BUILDER::note(const QString& error)
+{
+    if (!error.isEmpty() && m_error.isEmpty())
+        m_error = error;
+}
+
+std::unique_ptr<KOR_TABLE_SCHEMA> TEST_DATABASE_BUILDER::make_schema(const QString& name,
+                                                                     const QList<TEST_FIELD>& fields)
+{
+    auto schema = std::make_unique<KOR_TABLE_SCHEMA>(name);
+    for (const TEST_FIELD& field : fields)
+        schema->add_field_schema(field.make());
+    return schema;
+}
+
+std::unique_ptr<KOR_RECORD_DATA> TEST_DATABASE_BUILDER::make_record(const KOR_TABLE_SCHEMA* schema,
+                                                                    const QVariantMap& values)
+{
+    auto record = std::make_unique<KOR_RECORD_DATA>(schema, nullptr, QUuid::createUuid());
+    for (auto it = values.constBegin(); it != values.constEnd(); ++it)
+        record->add_field_data(schema->field_schema_by_name(it.key()), it.value());
+    return record;
+}
+
+TEST_DATABASE_BUILDER& TEST_DATABASE_BUILDER::table(const QString& name, const QList<TEST_FIELD>& fields)
+{
+    if (ok())
+        note(m_interface->add_table(*make_schema(name, fields), QStringLiteral("tester"),
+                                    QStringLiteral("test")));
+    return *this;
+}
+
+TEST_DATABASE_BUILDER& TEST_DATABASE_BUILDER::record(const QString& table, const QVariantMap& values)
+{
+    if (!ok())
+        return *this;
+    const KOR_TABLE_SCHEMA* schema = m_interface->get_table_schema(table);
+    if (!schema)
+    {
+        note(QStringLiteral("no table ") + table);
+        return *this;
+    }
+    note(m_interface->add_record(table, make_record(schema, values).get()));
+    return *this;
+}
+
+TEST_DATABASE_BUILDER& TEST_DATABASE_BUILDER::reconnect()
+{
+    if (m_interface->is_connected())
+        note(m_interface->disconnect());
+    note(m_interface->connect_without_merge(m_path, false));
+    return *this;
+}

@@ -1,0 +1,271 @@
+// Damaged and hand-made files: the engine says which file, where and why,
+// through the error text and the progress callback, and never crashes.
+
+#include "kor_field_data.h"
+#include "kor_record_data.h"
+#include "kor_table_data.h"
+#include "kor_xml_query_interface.h"
+#include "test_database_builder.h"
+
+#include <QtTest>
+
+namespace
+{
+void write_file(const QString& path, const QByteArray& bytes)
+{
+    QFile file(path);
+    QVERIFY(file.open(QIODevice::WriteOnly | QIODevice::Truncate));
+    file.write(bytes);
+}
+
+const QByteArray HEADER = "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n";
+const QByteArray UUID_A = "0b0c5c9e-0d0e-4a5b-8c1d-000000000001";
+const QByteArray UUID_B = "0b0c5c9e-0d0e-4a5b-8c1d-000000000002";
+
+QByteArray record(const QByteArray& uuid, const QByteArray& fields)
+{
+    return "  <record uuid=\"" + uuid + "\">\n" + fields + "  </record>\n";
+}
+} // namespace
+
+class TST_KOR_ENGINE_BAD_INPUT : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void init();
+    void damaged_table_files_are_reported_data();
+    void damaged_table_files_are_reported();
+    void damaged_schemas_stop_the_connection_data();
+    void damaged_schemas_stop_the_connection();
+    void a_folder_without_marker_is_no_database();
+    void references_to_missing_records_are_warnings_with_lines();
+    void records_without_uuids_get_them();
+
+private:
+    QString path(const QString& file) const { return m_db->path() + QLatin1Char('/') + file; }
+
+    std::unique_ptr<QTemporaryDir> m_folder;
+    TEST_PROGRESS m_progress;
+    std::unique_ptr<TEST_DATABASE_BUILDER> m_db;
+};
+
+void TST_KOR_ENGINE_BAD_INPUT::init()
+{
+    m_folder = std::make_unique<QTemporaryDir>();
+    m_progress.clear();
+    m_db = std::make_unique<TEST_DATABASE_BUILDER>(m_folder->filePath(QStringLiteral("db")), &m_progress);
+    m_db->table(QStringLiteral("factions"), {TEST_FIELD::key(QStringLiteral("key"))})
+        .table(QStringLiteral("units"), {TEST_FIELD::key(QStringLiteral("unit")),
+                                         TEST_FIELD::plain(QStringLiteral("men"), KFT_INTEGER),
+                                         TEST_FIELD::plain(QStringLiteral("faction"), KFT_TEXT)
+                                             .refers_to(QStringLiteral("factions"), QStringLiteral("key"))})
+        .record(QStringLiteral("factions"), {{"key", "rome"}});
+    QVERIFY2(m_db->ok(), qPrintable(m_db->error()));
+    m_progress.clear();
+}
+
+void TST_KOR_ENGINE_BAD_INPUT::damaged_table_files_are_reported_data()
+{
+    QTest::addColumn<QByteArray>("content");
+    QTest::addColumn<QString>("where");
+    QTest::addColumn<QString>("why");
+
+    const QByteArray good = record(UUID_A, "    <unit>a</unit>\n    <men>1</men>\n");
+    QTest::newRow("truncated") << HEADER + "<table name=\"units\">\n" + good.left(40) << "line 3"
+                               << "malformed XML";
+    QTest::newRow("empty file") << QByteArray() << "units.xml"
+                                << "malformed XML";
+    QTest::newRow("not xml") << QByteArray("\x00\x01\x02garbage", 10) << "units.xml"
+                             << "malformed XML";
+    QTest::newRow("wrong root") << HEADER + "<tables name=\"units\"/>\n"
+                                << "line 2"
+                                << "not a table";
+    QTest::newRow("another table") << HEADER + "<table name=\"factions\"/>\n"
+                                   << "line 2"
+                                   << "holds table 'factions'";
+    QTest::newRow("unknown field") << HEADER + "<table name=\"units\">\n" +
+                                          record(UUID_A, "    <unit>a</unit>\n    <horses>3</horses>\n") +
+                                          "</table>\n"
+                                   << "line 5"
+                                   << "field 'horses' is not in the schema";
+    QTest::newRow("bad integer") << HEADER + "<table name=\"units\">\n" +
+                                        record(UUID_A, "    <unit>a</unit>\n    <men>many</men>\n") +
+                                        "</table>\n"
+                                 << "line 5"
+                                 << "'many' is not a valid integer";
+    QTest::newRow("integer overflow")
+        << HEADER + "<table name=\"units\">\n" +
+               record(UUID_A, "    <unit>a</unit>\n    <men>99999999999</men>\n") + "</table>\n"
+        << "line 5"
+        << "not a valid integer";
+    QTest::newRow("duplicate key") << HEADER + "<table name=\"units\">\n" +
+                                          record(UUID_A, "    <unit>a</unit>\n") +
+                                          record(UUID_B, "    <unit>a</unit>\n") + "</table>\n"
+                                   << "line 6"
+                                   << "key 'a' is used by two records";
+    QTest::newRow("duplicate uuid") << HEADER + "<table name=\"units\">\n" +
+                                           record(UUID_A, "    <unit>a</unit>\n") +
+                                           record(UUID_A, "    <unit>b</unit>\n") + "</table>\n"
+                                    << "line"
+                                    << "used by two records";
+    QTest::newRow("bad uuid") << HEADER + "<table name=\"units\">\n" +
+                                     record("not-a-uuid", "    <unit>a</unit>\n") + "</table>\n"
+                              << "line 3"
+                              << "not a valid uuid";
+    QTest::newRow("empty key") << HEADER + "<table name=\"units\">\n" + record(UUID_A, "    <men>1</men>\n") +
+                                      "</table>\n"
+                               << "line 3"
+                               << "empty primary key";
+    QTest::newRow("field twice") << HEADER + "<table name=\"units\">\n" +
+                                        record(UUID_A, "    <unit>a</unit>\n    <unit>b</unit>\n") +
+                                        "</table>\n"
+                                 << "line 5"
+                                 << "appears twice";
+    QTest::newRow("element in a field")
+        << HEADER + "<table name=\"units\">\n" + record(UUID_A, "    <unit><b>a</b></unit>\n") + "</table>\n"
+        << "line 4"
+        << "holds an element";
+    QTest::newRow("stray element") << HEADER + "<table name=\"units\">\n  <row/>\n</table>\n"
+                                   << "line 3"
+                                   << "unexpected element <row>";
+    QTest::newRow("stray text") << HEADER + "<table name=\"units\">\n  hello\n</table>\n"
+                                << "line 2"
+                                << "text outside a record";
+    QTest::newRow("unknown record attribute")
+        << HEADER + "<table name=\"units\">\n  <record uuid=\"" + UUID_A +
+               "\" colour=\"red\"><unit>a</unit></record>\n</table>\n"
+        << "line 3"
+        << "unknown attribute 'colour'";
+    QTest::newRow("bad approval state")
+        << HEADER + "<table name=\"units\">\n" + record(UUID_A, "    <unit approval_state=\"7\">a</unit>\n") +
+               "</table>\n"
+        << "line 4"
+        << "approval_state";
+    QTest::newRow("bad modification time")
+        << HEADER + "<table name=\"units\">\n  <record uuid=\"" + UUID_A +
+               "\" modified=\"yesterday\"><unit>a</unit></record>\n</table>\n"
+        << "line 3"
+        << "modification time";
+}
+
+void TST_KOR_ENGINE_BAD_INPUT::damaged_table_files_are_reported()
+{
+    QFETCH(QByteArray, content);
+    QFETCH(QString, where);
+    QFETCH(QString, why);
+    write_file(path(QStringLiteral("units.xml")), content);
+    m_db->reconnect();
+    QVERIFY2(m_db->ok(), qPrintable(m_db->error()));
+    QString error;
+    QVERIFY(!m_db->query_interface().get_table_data(error, QStringLiteral("units")));
+    QVERIFY2(error.contains(QStringLiteral("units.xml")), qPrintable(error));
+    QVERIFY2(error.contains(where), qPrintable(error));
+    QVERIFY2(error.contains(why), qPrintable(error));
+    QVERIFY(m_progress.texts(PROGRESS_CALLBACK::SEVERITY_ERROR).contains(why));
+    // The rest of the database is unharmed, and the bad table cannot be written over.
+    QVERIFY(m_db->query_interface().get_table_data(error, QStringLiteral("factions")));
+    QVERIFY(!m_db->query_interface()
+                 .add_record(
+                     QStringLiteral("units"),
+                     TEST_DATABASE_BUILDER::make_record(
+                         m_db->query_interface().get_table_schema(QStringLiteral("units")), {{"unit", "b"}})
+                         .get())
+                 .isEmpty());
+    QFile file(path(QStringLiteral("units.xml")));
+    QVERIFY(file.open(QIODevice::ReadOnly));
+    QCOMPARE(file.readAll(), content);
+}
+
+void TST_KOR_ENGINE_BAD_INPUT::damaged_schemas_stop_the_connection_data()
+{
+    QTest::addColumn<QByteArray>("content");
+    QTest::addColumn<QString>("why");
+
+    QTest::newRow("unknown type")
+        << HEADER + "<table_schema name=\"units\">\n  <field name=\"unit\" type=\"memo\"/>\n"
+                    "</table_schema>\n"
+        << "line 3, column 4: field 'unit' has the unknown type 'memo'";
+    QTest::newRow("no type")
+        << HEADER + "<table_schema name=\"units\">\n  <field name=\"unit\"/>\n</table_schema>\n"
+        << "has no type";
+    QTest::newRow("unsafe field name") << HEADER + "<table_schema name=\"units\">\n  <field name=\"../x\" "
+                                                   "type=\"text\"/>\n</table_schema>\n"
+                                       << "not a valid field name";
+    QTest::newRow("name differs from file") << HEADER + "<table_schema name=\"troops\"/>\n"
+                                            << "describes table 'troops'";
+    QTest::newRow("truncated") << HEADER + "<table_schema name=\"units\">\n  <field name="
+                               << "malformed XML";
+    QTest::newRow("unknown attribute")
+        << HEADER + "<table_schema name=\"units\">\n  <field name=\"unit\" type=\"text\" "
+                    "colour=\"red\"/>\n</table_schema>\n"
+        << "unknown attribute 'colour'";
+}
+
+void TST_KOR_ENGINE_BAD_INPUT::damaged_schemas_stop_the_connection()
+{
+    QFETCH(QByteArray, content);
+    QFETCH(QString, why);
+    QVERIFY(m_db->query_interface().disconnect().isEmpty());
+    write_file(path(QStringLiteral("Veld_schemas/units.xml")), content);
+    const QString error = m_db->query_interface().connect_without_merge(m_db->path(), false);
+    QVERIFY2(error.contains(QStringLiteral("Veld_schemas/units.xml")), qPrintable(error));
+    QVERIFY2(error.contains(why), qPrintable(error));
+    QVERIFY(!m_db->query_interface().is_connected());
+    QVERIFY(m_progress.texts(PROGRESS_CALLBACK::SEVERITY_ERROR).contains(why));
+}
+
+void TST_KOR_ENGINE_BAD_INPUT::a_folder_without_marker_is_no_database()
+{
+    QVERIFY(m_db->query_interface().disconnect().isEmpty());
+    QVERIFY(QFile::remove(path(QStringLiteral("Veld_validation.xml"))));
+    const QString error = m_db->query_interface().connect_without_merge(m_db->path(), false);
+    QVERIFY2(error.contains(QStringLiteral("Veld_validation.xml")), qPrintable(error));
+    write_file(path(QStringLiteral("Veld_validation.xml")), "<veld_database format=\"99\"/>");
+    QVERIFY(m_db->query_interface()
+                .connect_without_merge(m_db->path(), false)
+                .contains(QStringLiteral("format 99")));
+    QVERIFY(
+        KOR_XML_QUERY_INTERFACE::create_empty_database(m_db->path()).contains(QStringLiteral("not empty")));
+}
+
+void TST_KOR_ENGINE_BAD_INPUT::references_to_missing_records_are_warnings_with_lines()
+{
+    write_file(path(QStringLiteral("units.xml")),
+               HEADER + "<table name=\"units\">\n" +
+                   record(UUID_A, "    <unit>a</unit>\n    <faction>rome</faction>\n") +
+                   record(UUID_B, "    <unit>b</unit>\n    <faction>gauls</faction>\n") + "</table>\n");
+    write_file(path(QStringLiteral("orphans.xml")), HEADER + "<table name=\"orphans\"/>\n");
+    m_db->reconnect();
+    QVERIFY(m_progress.texts(PROGRESS_CALLBACK::SEVERITY_WARNING).contains(QStringLiteral("orphans.xml")));
+    QString error;
+    const KOR_TABLE_DATA* units = m_db->query_interface().get_table_data(error, QStringLiteral("units"));
+    QVERIFY(units);
+    QCOMPARE(units->record_count(), 2);
+    const QString warnings = m_progress.texts(PROGRESS_CALLBACK::SEVERITY_WARNING);
+    QVERIFY2(
+        warnings.contains(QStringLiteral("units.xml, line 7: record 'b', field 'faction': 'gauls' names no "
+                                         "record of table 'factions'")),
+        qPrintable(warnings));
+    QVERIFY(!warnings.contains(QStringLiteral("'rome'")));
+}
+
+void TST_KOR_ENGINE_BAD_INPUT::records_without_uuids_get_them()
+{
+    write_file(path(QStringLiteral("units.xml")),
+               HEADER + "<table name=\"units\">\n  <record><unit>a</unit></record>\n</table>\n");
+    m_db->reconnect();
+    QString error;
+    const KOR_TABLE_DATA* units = m_db->query_interface().get_table_data(error, QStringLiteral("units"));
+    QVERIFY(units);
+    const QUuid given = units->record_by_key(QStringLiteral("a"))->uuid();
+    QVERIFY(!given.isNull());
+    m_db->query_interface().write_out_tables_with_uuids();
+    m_db->reconnect();
+    QCOMPARE(
+        m_db->query_interface().get_table_data(error, QStringLiteral("units"))->record_by_key("a")->uuid(),
+        given);
+}
+
+QTEST_GUILESS_MAIN(TST_KOR_ENGINE_BAD_INPUT)
+#include "tst_kor_engine_bad_input.moc"
