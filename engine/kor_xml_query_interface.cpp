@@ -111,6 +111,10 @@ QString KOR_XML_QUERY_INTERFACE_PRIVATE::open(const QString& database_path)
             table_schema->get_table_name(),
             KOR_FILE_SIGNATURE::of(KOR_TABLE_IO::schema_file_path(path, table_schema->get_table_name())));
     PATCHED_TABLES::instance().load_from_database(path);
+    QStringList query_warnings;
+    queries.load(path, query_warnings);
+    for (const QString& warning : qAsConst(query_warnings))
+        report(warning, PROGRESS_CALLBACK::SEVERITY_WARNING);
     connected = true;
     return QString();
 }
@@ -127,6 +131,7 @@ void KOR_XML_QUERY_INTERFACE_PRIVATE::close()
     retired_fields.clear();
     schema_signatures.clear();
     permissions.clear();
+    queries.clear();
     connected = false;
 }
 

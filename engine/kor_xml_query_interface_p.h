@@ -14,6 +14,7 @@
 #include "kor_database_data.h"
 #include "kor_permissions.h"
 #include "kor_query_interface.h"
+#include "query/kor_query_store.h"
 #include "kor_update_command_codec.h"
 
 #include <QDateTime>
@@ -89,6 +90,8 @@ public:
     QMap<QString, KOR_FILE_SIGNATURE> schema_signatures;
     KOR_DATABASE_DATA database_data;
     KOR_PERMISSIONS permissions;
+    // The saved queries, read on connect (engine/query).
+    KOR_QUERY_STORE queries;
     mutable QString last_error;
     std::vector<std::unique_ptr<KOR_TABLE_SCHEMA>> retired_schemas;
     std::vector<std::unique_ptr<KOR_TABLE_DATA>> retired_tables;

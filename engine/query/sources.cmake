@@ -24,5 +24,6 @@ set(KOR_ENGINE_QUERY_SOURCES
   ${CMAKE_CURRENT_LIST_DIR}/kor_query_store.cpp
   ${CMAKE_CURRENT_LIST_DIR}/kor_sql_binder.cpp
   ${CMAKE_CURRENT_LIST_DIR}/kor_sql_executor.cpp
-  ${CMAKE_CURRENT_LIST_DIR}/kor_sql_plan.cpp)
+  ${CMAKE_CURRENT_LIST_DIR}/kor_sql_plan.cpp
+  ${CMAKE_CURRENT_LIST_DIR}/kor_xml_query_interface_queries.cpp)
 set(KOR_ENGINE_QUERY_LIBS kor_sql)
