@@ -7,7 +7,7 @@
 
 KOR_QUERY_RESULTS_BUILDER::KOR_QUERY_RESULTS_BUILDER(KOR_QUERY_RESULTS& results, const QString& statement,
                                                      const QStringList& source_tables)
-    : m_results(results)
+    : m_results(results), m_uuid_base(QUuid::createUuid())
 {
     m_results.clear();
     m_results.m_statement = statement;
@@ -62,7 +62,9 @@ void KOR_QUERY_RESULTS_BUILDER::reserve(int records)
 
 KOR_RECORD_DATA* KOR_QUERY_RESULTS_BUILDER::add_record(const QVector<QUuid>& source_uuids)
 {
-    auto* record = new KOR_RECORD_DATA(m_results.m_schema.get(), nullptr, QUuid::createUuid());
+    QUuid uuid = m_uuid_base;
+    uuid.data1 += uint(m_results.m_records.size());
+    auto* record = new KOR_RECORD_DATA(m_results.m_schema.get(), nullptr, uuid);
     m_results.m_records.append(record);
     // Exactly one uuid a source table, so the index arithmetic of
     // source_record_uuid holds whatever the caller passed.

@@ -522,8 +522,15 @@ void TEST_KOR_QUERY_EVALUATION::hash_join_matches_every_pair()
         QStringList out;
         if (!database.get_query_data_from_simple_sql(run_error, results, sql))
             return QStringList{run_error};
+        QSet<QUuid> uuids;
         for (int row = 0; row < results.record_count(); ++row)
+        {
             out << row_text(results, row);
+            uuids.insert(results.record(row)->uuid());
+        }
+        // Every result record has a uuid of its own.
+        if (uuids.size() != results.record_count() || uuids.contains(QUuid()))
+            return QStringList{QStringLiteral("records share uuids")};
         return out;
     };
     QCOMPARE(run("SELECT [soldiers.id], [ranks.id] FROM [soldiers] JOIN [ranks] "
