@@ -1,0 +1,196 @@
+// The record-by-record three-way merge of one table.
+
+#include "workspace/kor_record_merge.h"
+
+#include "kor_field_data.h"
+#include "kor_field_schema.h"
+#include "kor_record_data.h"
+#include "kor_table_data.h"
+#include "kor_table_schema.h"
+
+#include <QtTest/QtTest>
+
+namespace
+{
+// A small table: key (text, the key), hp (integer), name (text).
+std::unique_ptr<KOR_TABLE_SCHEMA> units_schema()
+{
+    auto schema = std::make_unique<KOR_TABLE_SCHEMA>(QStringLiteral("units"));
+    auto add = [&](bool key, const QString& name, KOR_FIELD_TYPE type) {
+        auto* field = new KOR_FIELD_SCHEMA(QUuid::createUuid());
+        field->initialise(key, name, type, key, QVariant(), type == KFT_TEXT ? 64 : 0, false, QString(),
+                          QString(), QString(), false, false, false);
+        schema->add_field_schema(field);
+    };
+    add(true, QStringLiteral("key"), KFT_TEXT);
+    add(false, QStringLiteral("hp"), KFT_INTEGER);
+    add(false, QStringLiteral("name"), KFT_TEXT);
+    return schema;
+}
+
+// Adds a record "key=...;hp=...;name=..." (fields left out are absent).
+void add_record(KOR_TABLE_DATA& table, const QUuid& uuid, const QString& text)
+{
+    if (text.isEmpty())
+        return;
+    auto* record = new KOR_RECORD_DATA(table.table_schema(), &table, uuid);
+    for (const QString& part : text.split(QLatin1Char(';')))
+    {
+        const QString name = part.section(QLatin1Char('='), 0, 0);
+        const QString value = part.section(QLatin1Char('='), 1);
+        const KOR_FIELD_SCHEMA* field = table.table_schema()->field_schema_by_name(name);
+        record->add_field_data(field,
+                               name == QLatin1String("hp") ? QVariant(value.toInt()) : QVariant(value));
+    }
+    QString error;
+    QVERIFY2(table.add_record(record, &error), qPrintable(error));
+}
+
+QString describe(const KOR_RECORD_DATA* record)
+{
+    if (!record)
+        return QString();
+    QStringList parts;
+    for (const QString& name : {QStringLiteral("key"), QStringLiteral("hp"), QStringLiteral("name")})
+    {
+        if (const KOR_FIELD_DATA* field = record->get_field_data(name))
+            parts.append(name + QLatin1Char('=') + field->value_text());
+    }
+    return parts.join(QLatin1Char(';'));
+}
+} // namespace
+
+class TEST_KOR_RECORD_MERGE : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void one_record_three_ways_data()
+    {
+        QTest::addColumn<QString>("base");
+        QTest::addColumn<QString>("yours");
+        QTest::addColumn<QString>("theirs");
+        QTest::addColumn<QString>("merged");
+        QTest::addColumn<int>("conflicts");
+        const QString one = QStringLiteral("key=archer;hp=1;name=A");
+        QTest::newRow("untouched") << one << one << one << one << 0;
+        QTest::newRow("their edit is taken") << one << one << "key=archer;hp=2;name=A"
+                                             << "key=archer;hp=2;name=A" << 0;
+        QTest::newRow("your edit is kept")
+            << one << "key=archer;hp=3;name=A" << one << "key=archer;hp=3;name=A" << 0;
+        QTest::newRow("different fields both kept") << one << "key=archer;hp=3;name=A"
+                                                    << "key=archer;hp=1;name=B"
+                                                    << "key=archer;hp=3;name=B" << 0;
+        QTest::newRow("same field, same value") << one << "key=archer;hp=5;name=A"
+                                                << "key=archer;hp=5;name=A"
+                                                << "key=archer;hp=5;name=A" << 0;
+        QTest::newRow("same field, yours wins") << one << "key=archer;hp=5;name=A"
+                                                << "key=archer;hp=6;name=B"
+                                                << "key=archer;hp=5;name=B" << 1;
+        QTest::newRow("field emptied locally") << one << "key=archer;hp=1" << one << "key=archer;hp=1" << 0;
+        QTest::newRow("deleted in the depot, untouched here") << one << one << QString() << QString() << 0;
+        QTest::newRow("deleted in the depot, changed here")
+            << one << "key=archer;hp=2;name=A" << QString() << "key=archer;hp=2;name=A" << 1;
+        QTest::newRow("deleted here, untouched in the depot") << one << QString() << one << QString() << 0;
+        QTest::newRow("deleted here, changed in the depot") << one << QString() << "key=archer;hp=3;name=A"
+                                                            << "key=archer;hp=3;name=A" << 1;
+        QTest::newRow("deleted on both sides") << one << QString() << QString() << QString() << 0;
+        QTest::newRow("added here") << QString() << one << QString() << one << 0;
+        QTest::newRow("added in the depot") << QString() << QString() << one << one << 0;
+        QTest::newRow("added on both sides alike") << QString() << one << one << one << 0;
+    }
+
+    void one_record_three_ways()
+    {
+        QFETCH(QString, base);
+        QFETCH(QString, yours);
+        QFETCH(QString, theirs);
+        QFETCH(QString, merged);
+        QFETCH(int, conflicts);
+        const auto schema = units_schema();
+        const QUuid uuid = QUuid::createUuid();
+        const QUuid bystander = QUuid::createUuid();
+        KOR_TABLE_DATA base_table(schema.get());
+        KOR_TABLE_DATA your_table(schema.get());
+        KOR_TABLE_DATA their_table(schema.get());
+        add_record(base_table, uuid, base);
+        add_record(your_table, uuid, yours);
+        add_record(their_table, uuid, theirs);
+        // A record nobody touched rides along unchanged.
+        for (KOR_TABLE_DATA* table : {&base_table, &your_table, &their_table})
+            add_record(*table, bystander, QStringLiteral("key=zealot;hp=9;name=Z"));
+
+        KOR_RECORD_MERGE::RESULT result;
+        QString error;
+        QVERIFY2(KOR_RECORD_MERGE::merge(error, schema.get(), &base_table, your_table, their_table, result),
+                 qPrintable(error));
+        QCOMPARE(describe(result.merged->record_by_uuid(uuid)), merged);
+        QCOMPARE(describe(result.merged->record_by_uuid(bystander)),
+                 QStringLiteral("key=zealot;hp=9;name=Z"));
+        QCOMPARE(result.merged->record_count(), merged.isEmpty() ? 1 : 2);
+        QCOMPARE(result.conflicts.size(), conflicts);
+        if (conflicts > 0)
+        {
+            QCOMPARE(result.conflicts.first().key, QStringLiteral("archer"));
+            QVERIFY(!result.conflicts.first().resolution.isEmpty());
+        }
+        // The inputs are left as they were.
+        QCOMPARE(describe(your_table.record_by_uuid(uuid)), yours);
+    }
+
+    void conflict_names_the_field_and_both_values()
+    {
+        const auto schema = units_schema();
+        const QUuid uuid = QUuid::createUuid();
+        KOR_TABLE_DATA base_table(schema.get());
+        KOR_TABLE_DATA your_table(schema.get());
+        KOR_TABLE_DATA their_table(schema.get());
+        add_record(base_table, uuid, QStringLiteral("key=archer;hp=1"));
+        add_record(your_table, uuid, QStringLiteral("key=archer;hp=5"));
+        add_record(their_table, uuid, QStringLiteral("key=archer;hp=6"));
+        KOR_RECORD_MERGE::RESULT result;
+        QString error;
+        QVERIFY(KOR_RECORD_MERGE::merge(error, schema.get(), &base_table, your_table, their_table, result));
+        QCOMPARE(result.conflicts.size(), 1);
+        const KOR_RECORD_MERGE::CONFLICT& conflict = result.conflicts.first();
+        QCOMPARE(conflict.field, QStringLiteral("hp"));
+        QCOMPARE(conflict.base_text, QStringLiteral("1"));
+        QCOMPARE(conflict.your_text, QStringLiteral("5"));
+        QCOMPARE(conflict.their_text, QStringLiteral("6"));
+    }
+
+    void one_key_for_two_records_fails()
+    {
+        const auto schema = units_schema();
+        KOR_TABLE_DATA base_table(schema.get());
+        KOR_TABLE_DATA your_table(schema.get());
+        KOR_TABLE_DATA their_table(schema.get());
+        add_record(your_table, QUuid::createUuid(), QStringLiteral("key=archer;hp=1"));
+        add_record(their_table, QUuid::createUuid(), QStringLiteral("key=archer;hp=2"));
+        KOR_RECORD_MERGE::RESULT result;
+        QString error;
+        QVERIFY(!KOR_RECORD_MERGE::merge(error, schema.get(), &base_table, your_table, their_table, result));
+        QVERIFY2(error.contains(QLatin1String("key 'archer'")), qPrintable(error));
+        QVERIFY(!result.merged);
+    }
+
+    void without_a_base_both_sides_count_as_added()
+    {
+        const auto schema = units_schema();
+        const QUuid uuid = QUuid::createUuid();
+        KOR_TABLE_DATA your_table(schema.get());
+        KOR_TABLE_DATA their_table(schema.get());
+        add_record(your_table, uuid, QStringLiteral("key=archer;hp=1"));
+        add_record(their_table, uuid, QStringLiteral("key=archer;hp=2"));
+        add_record(their_table, QUuid::createUuid(), QStringLiteral("key=bowman;hp=3"));
+        KOR_RECORD_MERGE::RESULT result;
+        QString error;
+        QVERIFY(KOR_RECORD_MERGE::merge(error, schema.get(), nullptr, your_table, their_table, result));
+        QCOMPARE(result.merged->record_count(), 2);
+        QCOMPARE(describe(result.merged->record_by_uuid(uuid)), QStringLiteral("key=archer;hp=1"));
+        QCOMPARE(result.conflicts.size(), 1);
+    }
+};
+
+QTEST_GUILESS_MAIN(TEST_KOR_RECORD_MERGE)
+#include "test_kor_record_merge.moc"
