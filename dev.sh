@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # The two set-up commands of ORBIN, and what they share.
 #
-#   ./dev.sh run [quill options]   build, then open quill with the ORBIN plugin
+#   ./dev.sh run [quill options]   build, make the sample project when missing, open quill on it
 #   ./dev.sh test [ctest options]  build, then run every test
 #
 # Both first install the Debian packages of .ci/packages.txt that are missing
@@ -54,10 +54,24 @@ build() {
     cmake --build "$build_dir" -j "$jobs" "$@"
 }
 
+# The sample game project quill opens, made once by orbin-sample. Its project
+# file is written last, so a folder without one is an interrupted attempt.
+make_sample_project() {
+    local project="$here/sample-project"
+    [ -f "$project/quill-project.ini" ] && return 0
+    if [ -e "$project" ]; then
+        say "$project is incomplete (an earlier generation stopped); remove it and run again"
+        exit 1
+    fi
+    say "generating the sample project into $project"
+    "$build_dir/bin/orbin-sample" --tools "$build_dir/bin" "$project"
+}
+
 run() {
     install_packages
     configure
-    build --target quill orbin_plugin
+    build --target quill orbin_plugin orbin-sample
+    make_sample_project
     local arguments=()
     if [ -f "$here/sample-project/quill-project.ini" ]; then
         arguments+=(--project "$here/sample-project")

@@ -140,9 +140,9 @@ public:
         entries.reserve(table.m_records.m_entries.size());
         for (const KOR_RECORD_MAP::ENTRY& entry : table.m_records.m_entries)
             entries.push_back(KOR_RECORD_MAP::ENTRY{entry.record->key(), entry.record});
-        std::sort(entries.begin(), entries.end(),
-                  [](const KOR_RECORD_MAP::ENTRY& a, const KOR_RECORD_MAP::ENTRY& b)
-                  { return a.key < b.key; });
+        std::sort(
+            entries.begin(), entries.end(),
+            [](const KOR_RECORD_MAP::ENTRY& a, const KOR_RECORD_MAP::ENTRY& b) { return a.key < b.key; });
         for (size_t i = 0; i < entries.size(); ++i)
         {
             if (entries[i].key.isEmpty())

@@ -198,16 +198,14 @@ bool KOR_FILE_COMMIT::stage(QString& error, const QString& relative_path,
 
 bool KOR_FILE_COMMIT::stage_bytes(QString& error, const QString& relative_path, const QByteArray& bytes)
 {
-    return stage(error, relative_path,
-                 [&bytes](QIODevice& device, QString& write_error)
-                 {
-                     if (device.write(bytes) != bytes.size())
-                     {
-                         write_error = device.errorString();
-                         return false;
-                     }
-                     return true;
-                 });
+    return stage(error, relative_path, [&bytes](QIODevice& device, QString& write_error) {
+        if (device.write(bytes) != bytes.size())
+        {
+            write_error = device.errorString();
+            return false;
+        }
+        return true;
+    });
 }
 
 void KOR_FILE_COMMIT::stage_removal(const QString& relative_path)

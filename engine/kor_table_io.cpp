@@ -21,12 +21,13 @@
 #include <algorithm>
 #include <charconv>
 #include <cstring>
+#include <string>
 #include <string_view>
 #include <unordered_map>
 
 namespace
 {
-const unsigned PARSE_OPTIONS = pugi::parse_escapes | pugi::parse_ws_pcdata_single;
+const unsigned PARSE_OPTIONS = pugi::parse_escapes | pugi::parse_ws_pcdata_single | pugi::parse_cdata;
 
 // ---------------------------------------------------------------- numbers
 
@@ -123,7 +124,9 @@ bool parse_uuid(const char* text, QUuid& out)
         bytes[byte++] = uchar(high * 16 + low);
         i += 2;
     }
-    out = QUuid::fromRfc4122(QByteArray::fromRawData(reinterpret_cast<const char*>(bytes), 16));
+    out = QUuid(uint(bytes[0]) << 24 | uint(bytes[1]) << 16 | uint(bytes[2]) << 8 | bytes[3],
+                ushort(bytes[4] << 8 | bytes[5]), ushort(bytes[6] << 8 | bytes[7]), bytes[8], bytes[9],
+                bytes[10], bytes[11], bytes[12], bytes[13], bytes[14], bytes[15]);
     return true;
 }
 
@@ -565,8 +568,7 @@ bool KOR_TABLE_IO::read_table_file(QString& error, const QString& path, const KO
     // The buffer is parsed in place; an error is located in a fresh read.
     return read_table_buffer(
         error, bytes.data(), size_t(bytes.size()), path,
-        [path]()
-        {
+        [path]() {
             QFile again(path);
             return again.open(QIODevice::ReadOnly) ? again.readAll() : QByteArray();
         },
@@ -584,12 +586,398 @@ bool KOR_TABLE_IO::read_table_bytes(QString& error, QByteArray bytes, const QStr
         details);
 }
 
-bool KOR_TABLE_IO::read_table_buffer(QString& error, char* buffer, size_t size, const QString& source_name,
-                                     const std::function<QByteArray()>& pristine,
-                                     const KOR_TABLE_SCHEMA& schema, KOR_TABLE_DATA& out,
-                                     KOR_TABLE_READ_DETAILS* details)
+namespace
 {
-    READ_CONTEXT context{source_name, pristine, QByteArray(), false};
+class TABLE_READER
+{
+public:
+    TABLE_READER(READ_CONTEXT& context_, const KOR_TABLE_SCHEMA& schema_)
+        : context(context_), schema(schema_), loaded(&schema_), pool(KOR_ENGINE_ACCESS::pool(loaded))
+    {
+        // Field slots: a record's field array is in name order ignoring case.
+        field_count = schema.field_count();
+        fields.reserve(size_t(field_count));
+        QList<QString> sorted_names = schema.column_ordering();
+        std::sort(sorted_names.begin(), sorted_names.end(), [](const QString& a, const QString& b) {
+            return CASE_INSENSITIVE_COMPARE_STRING::compare(a, b) < 0;
+        });
+        for (const QString& name : schema.column_ordering())
+        {
+            FIELD_INFO info;
+            info.schema = schema.field_schema_by_name(name);
+            info.name = name.toUtf8();
+            info.slot = int(sorted_names.indexOf(name));
+            info.type = info.schema->field_type();
+            fields.push_back(std::move(info));
+        }
+    }
+
+    // Reads the records that are children of `parent`; `base` is the offset
+    // in the file of the buffer the nodes were parsed from.
+    bool read_records(QString& error, const pugi::xml_node& parent, qint64 base)
+    {
+        auto where = [this, base](qint64 offset) { return context.where(base + offset); };
+        for (pugi::xml_node node = parent.first_child(); node; node = node.next_sibling())
+        {
+            if (node.type() != pugi::node_element)
+            {
+                if ((node.type() == pugi::node_pcdata || node.type() == pugi::node_cdata) &&
+                    !is_whitespace_text(node))
+                {
+                    error = QStringLiteral("%1: text outside a record").arg(where(node.offset_debug()));
+                    return false;
+                }
+                continue;
+            }
+            if (std::strcmp(node.name(), "record") != 0)
+            {
+                error = QStringLiteral("%1: unexpected element <%2> where a <record> belongs")
+                            .arg(where(node.offset_debug()), QString::fromUtf8(node.name()));
+                return false;
+            }
+            QUuid uuid;
+            qint64 modified = 0;
+            for (pugi::xml_attribute attribute = node.first_attribute(); attribute;
+                 attribute = attribute.next_attribute())
+            {
+                if (std::strcmp(attribute.name(), "uuid") == 0)
+                {
+                    if (!parse_uuid(attribute.value(), uuid) || uuid.isNull())
+                    {
+                        error = QStringLiteral("%1: '%2' is not a valid uuid")
+                                    .arg(where(node.offset_debug()), QString::fromUtf8(attribute.value()));
+                        return false;
+                    }
+                }
+                else if (std::strcmp(attribute.name(), "modified") == 0)
+                {
+                    if (!parse_timestamp(attribute.value(), modified))
+                    {
+                        error = QStringLiteral(
+                                    "%1: '%2' is not a valid modification time (YYYY-MM-DDThh:mm:ss.zzzZ)")
+                                    .arg(where(node.offset_debug()), QString::fromUtf8(attribute.value()));
+                        return false;
+                    }
+                }
+                else
+                {
+                    error = QStringLiteral("%1: unknown attribute '%2' of a record")
+                                .arg(where(node.offset_debug()), QString::fromUtf8(attribute.name()));
+                    return false;
+                }
+            }
+            if (uuid.isNull())
+            {
+                // Older files may lack uuids; write_out_tables_with_uuids stores these.
+                uuid = QUuid::createUuid();
+                ++given_uuids;
+            }
+
+            KOR_RECORD_DATA* record = KOR_ENGINE_ACCESS::new_pooled_record(pool, &schema, &loaded, uuid);
+            guard.records.push_back(record);
+            record->set_modification_msecs(modified);
+            KOR_FIELD_DATA** items = static_cast<KOR_FIELD_DATA**>(pool.allocate(
+                sizeof(KOR_FIELD_DATA*) * size_t(qMax(1, field_count)), alignof(KOR_FIELD_DATA*)));
+            std::fill(items, items + field_count, nullptr);
+            auto fail_record = [&](const QString& reason, qint64 offset) {
+                error = QStringLiteral("%1: %2").arg(where(offset), reason);
+                // Only the fields made so far belong to the record.
+                int made = 0;
+                for (int i = 0; i < field_count; ++i)
+                    if (items[i])
+                        items[made++] = items[i];
+                std::sort(items, items + made, [](KOR_FIELD_DATA* a, KOR_FIELD_DATA* b) {
+                    return CASE_INSENSITIVE_COMPARE_STRING::compare(a->field_schema()->field_name(),
+                                                                    b->field_schema()->field_name()) < 0;
+                });
+                KOR_ENGINE_ACCESS::set_pooled_fields(record, items, quint32(made));
+                return false;
+            };
+            // Fields of a record we wrote are in column order: try the next
+            // expected one first.
+            int expected = 0;
+            for (pugi::xml_node element = node.first_child(); element; element = element.next_sibling())
+            {
+                if (element.type() != pugi::node_element)
+                {
+                    if ((element.type() == pugi::node_pcdata || element.type() == pugi::node_cdata) &&
+                        !is_whitespace_text(element))
+                    {
+                        return fail_record(QStringLiteral("text outside a field"), element.offset_debug());
+                    }
+                    continue;
+                }
+                const char* name = element.name();
+                int index = -1;
+                if (expected < field_count &&
+                    std::strcmp(fields[size_t(expected)].name.constData(), name) == 0)
+                    index = expected;
+                for (int i = 0; index < 0 && i < field_count; ++i)
+                    if (std::strcmp(fields[size_t(i)].name.constData(), name) == 0)
+                        index = i;
+                for (int i = 0; index < 0 && i < field_count; ++i)
+                    if (qstricmp(fields[size_t(i)].name.constData(), name) == 0)
+                        index = i;
+                if (index < 0)
+                    return fail_record(QStringLiteral("field '%1' is not in the schema of table '%2'")
+                                           .arg(QString::fromUtf8(name), schema.get_table_name()),
+                                       element.offset_debug());
+                FIELD_INFO& info = fields[size_t(index)];
+                if (items[info.slot])
+                    return fail_record(
+                        QStringLiteral("field '%1' appears twice in one record").arg(QString::fromUtf8(name)),
+                        element.offset_debug());
+                // The value is the element's text; a hand-made file may split
+                // it into plain text and CDATA sections.
+                const pugi::xml_node value_node = element.first_child();
+                const char* value = value_node ? value_node.value() : "";
+                std::string joined;
+                for (pugi::xml_node part = value_node; part; part = part.next_sibling())
+                {
+                    if (part.type() != pugi::node_pcdata && part.type() != pugi::node_cdata)
+                        return fail_record(QStringLiteral("field '%1' holds an element, not a value")
+                                               .arg(QString::fromUtf8(name)),
+                                           part.offset_debug());
+                    if (part != value_node)
+                    {
+                        if (joined.empty())
+                            joined = value_node.value();
+                        joined += part.value();
+                        value = joined.c_str();
+                    }
+                }
+                KOR_FIELD_DATA* field = KOR_ENGINE_ACCESS::new_pooled_field(pool, info.schema);
+                items[info.slot] = field;
+                QString reason;
+                if (!convert_value(info, value, field->m_value, reason))
+                    return fail_record(reason, element.offset_debug());
+                if (element.first_attribute() && !read_approval(element, field, reason))
+                    return fail_record(reason, element.offset_debug());
+                expected = index + 1;
+            }
+            // Fields a record lacks are empty, so every record has every field.
+            for (int i = 0; i < field_count; ++i)
+            {
+                FIELD_INFO& info = fields[size_t(i)];
+                if (!items[info.slot])
+                {
+                    KOR_FIELD_DATA* field = KOR_ENGINE_ACCESS::new_pooled_field(pool, info.schema);
+                    if (info.type == KFT_TEXT)
+                        field->m_value = QString(QLatin1String(""));
+                    items[info.slot] = field;
+                }
+            }
+            KOR_ENGINE_ACCESS::set_pooled_fields(record, items, quint32(field_count));
+            QString key = record->key();
+            if (key.isEmpty())
+            {
+                error =
+                    QStringLiteral("%1: the record has an empty primary key").arg(where(node.offset_debug()));
+                return false;
+            }
+            if (sorted && !entries.empty() && !(entries.back().key < key))
+                sorted = false;
+            entries.push_back(KOR_RECORD_MAP::ENTRY{std::move(key), record});
+            offsets.emplace_back(record, base + node.offset_debug());
+        }
+        return true;
+    }
+
+    // Files the records read in key order and hands them over.
+    bool finish(QString& error, KOR_TABLE_DATA& out, KOR_TABLE_READ_DETAILS* details)
+    {
+        if (!sorted)
+            std::stable_sort(
+                entries.begin(), entries.end(),
+                [](const KOR_RECORD_MAP::ENTRY& a, const KOR_RECORD_MAP::ENTRY& b) { return a.key < b.key; });
+        auto offset_of = [this](const KOR_RECORD_DATA* record) {
+            for (const auto& entry : offsets)
+                if (entry.first == record)
+                    return entry.second;
+            return qint64(-1);
+        };
+        for (size_t i = 1; i < entries.size(); ++i)
+        {
+            if (entries[i - 1].key == entries[i].key)
+            {
+                error = QStringLiteral("%1: the key '%2' is used by two records (the other at %3)")
+                            .arg(context.where(offset_of(entries[i].record)), entries[i].key,
+                                 context.where(offset_of(entries[i - 1].record)));
+                return false;
+            }
+        }
+        const KOR_RECORD_DATA* duplicate =
+            KOR_ENGINE_ACCESS::adopt_sorted_records(loaded, std::move(entries));
+        guard.owned_by_table = true;
+        if (duplicate)
+        {
+            error = QStringLiteral("%1: the uuid %2 is used by two records")
+                        .arg(context.where(offset_of(duplicate)),
+                             duplicate->uuid().toString(QUuid::WithoutBraces));
+            return false;
+        }
+        if (details)
+        {
+            details->records_given_uuids = given_uuids;
+            if (details->want_record_offsets)
+            {
+                details->record_offsets.clear();
+                details->record_offsets.reserve(offsets.size());
+                for (const auto& entry : offsets)
+                    details->record_offsets.emplace_back(entry.first, entry.second);
+            }
+        }
+        out = std::move(loaded);
+        return true;
+    }
+
+private:
+    READ_CONTEXT& context;
+    const KOR_TABLE_SCHEMA& schema;
+    std::vector<FIELD_INFO> fields;
+    int field_count = 0;
+    KOR_TABLE_DATA loaded;
+    KOR_MEMORY_POOL& pool;
+    RECORD_GUARD guard;
+    std::vector<KOR_RECORD_MAP::ENTRY> entries;
+    std::vector<std::pair<KOR_RECORD_DATA*, qint64>> offsets;
+    bool sorted = true;
+    int given_uuids = 0;
+};
+
+// The start tag of the root element: where it begins and ends, and whether
+// it closes itself. False when the text before it is anything but a
+// declaration, comments and blanks.
+bool find_root_start_tag(const char* buffer, size_t size, size_t& begin, size_t& end, bool& self_closing)
+{
+    size_t position = 0;
+    if (size >= 3 && std::memcmp(buffer, "\xEF\xBB\xBF", 3) == 0)
+        position = 3;
+    for (;;)
+    {
+        while (position < size && is_blank(buffer[position]))
+            ++position;
+        if (position + 1 >= size || buffer[position] != '<')
+            return false;
+        const std::string_view rest(buffer + position, size - position);
+        size_t close = std::string_view::npos;
+        if (rest.substr(0, 2) == "<?")
+            close = rest.find("?>");
+        else if (rest.substr(0, 4) == "<!--")
+            close = rest.find("-->");
+        else if (rest.substr(0, 2) == "<!")
+            return false;
+        else
+            break;
+        if (close == std::string_view::npos)
+            return false;
+        position += close + 2;
+    }
+    begin = position;
+    char quote = 0;
+    for (size_t i = position + 1; i < size; ++i)
+    {
+        const char c = buffer[i];
+        if (quote)
+        {
+            if (c == quote)
+                quote = 0;
+        }
+        else if (c == '"' || c == '\'')
+            quote = c;
+        else if (c == '<')
+            return false;
+        else if (c == '>')
+        {
+            end = i + 1;
+            self_closing = buffer[i - 1] == '/';
+            return true;
+        }
+    }
+    return false;
+}
+
+enum class CHUNKED
+{
+    DONE,          // read, successfully or with an error in `error`
+    NOT_THIS_FILE, // nothing touched: read the whole document instead
+    START_OVER     // the buffer was parsed in part: read a fresh copy whole
+};
+
+// A table is read a slice of records at a time, so that the parser's tree
+// never holds more than a few megabytes: a large table then costs little
+// more than its records. Slices end after a "</record>" tag; should one
+// fall inside a comment or similar, the slice does not parse and the file is
+// read whole instead, which also gives the exact error of a damaged file.
+CHUNKED read_in_slices(QString& error, char* buffer, size_t size, READ_CONTEXT& context,
+                       const KOR_TABLE_SCHEMA& schema, KOR_TABLE_DATA& out, KOR_TABLE_READ_DETAILS* details)
+{
+    const size_t SLICE = 4 << 20;
+    size_t tag_begin = 0;
+    size_t tag_end = 0;
+    bool self_closing = false;
+    if (!find_root_start_tag(buffer, size, tag_begin, tag_end, self_closing))
+        return CHUNKED::NOT_THIS_FILE;
+    const std::string_view text(buffer, size);
+    if (text.substr(tag_begin, 7) != "<table " && text.substr(tag_begin, 7) != "<table>" &&
+        text.substr(tag_begin, 7) != "<table/")
+        return CHUNKED::NOT_THIS_FILE;
+    size_t records_end = tag_end;
+    size_t tail = tag_end;
+    if (!self_closing)
+    {
+        records_end = text.rfind("</table>");
+        if (records_end == std::string_view::npos || records_end < tag_end)
+            return CHUNKED::NOT_THIS_FILE;
+        tail = records_end + 8;
+    }
+    for (size_t i = tail; i < size; ++i)
+        if (!is_blank(buffer[i]))
+            return CHUNKED::NOT_THIS_FILE;
+
+    // The root's attributes, from a copy of its start tag.
+    std::string root_tag(buffer + tag_begin, tag_end - tag_begin);
+    if (!self_closing)
+        root_tag.insert(root_tag.size() - 1, "/");
+    pugi::xml_document root_document;
+    if (!root_document.load_buffer(root_tag.data(), root_tag.size(), PARSE_OPTIONS, pugi::encoding_utf8))
+        return CHUNKED::NOT_THIS_FILE;
+    const QString file_table = QString::fromUtf8(root_document.document_element().attribute("name").value());
+    if (file_table != schema.get_table_name())
+    {
+        error = QStringLiteral("%1: the file holds table '%2', not '%3'")
+                    .arg(context.where(qint64(tag_begin + 1)), file_table, schema.get_table_name());
+        return CHUNKED::DONE;
+    }
+
+    TABLE_READER reader(context, schema);
+    size_t position = tag_end;
+    pugi::xml_document document;
+    while (position < records_end)
+    {
+        size_t slice_end = records_end;
+        if (records_end - position > SLICE)
+        {
+            const size_t found = text.find("</record>", position + SLICE);
+            if (found != std::string_view::npos && found + 9 <= records_end)
+                slice_end = found + 9;
+        }
+        const pugi::xml_parse_result parsed =
+            document.load_buffer_inplace(buffer + position, slice_end - position,
+                                         PARSE_OPTIONS | pugi::parse_fragment, pugi::encoding_utf8);
+        if (!parsed)
+            return CHUNKED::START_OVER;
+        if (!reader.read_records(error, document, qint64(position)))
+            return CHUNKED::DONE;
+        position = slice_end;
+    }
+    reader.finish(error, out, details);
+    return CHUNKED::DONE;
+}
+
+bool read_whole_document(QString& error, char* buffer, size_t size, READ_CONTEXT& context,
+                         const KOR_TABLE_SCHEMA& schema, KOR_TABLE_DATA& out, KOR_TABLE_READ_DETAILS* details)
+{
     pugi::xml_document document;
     const pugi::xml_parse_result parsed =
         document.load_buffer_inplace(buffer, size, PARSE_OPTIONS, pugi::encoding_auto);
@@ -613,233 +1001,29 @@ bool KOR_TABLE_IO::read_table_buffer(QString& error, char* buffer, size_t size, 
                     .arg(context.where(root.offset_debug()), file_table, schema.get_table_name());
         return false;
     }
+    TABLE_READER reader(context, schema);
+    return reader.read_records(error, root, 0) && reader.finish(error, out, details);
+}
+} // namespace
 
-    // Field slots: a record's field array is in name order ignoring case.
-    std::vector<FIELD_INFO> fields;
-    const int field_count = schema.field_count();
-    fields.reserve(size_t(field_count));
-    QList<QString> sorted_names = schema.column_ordering();
-    std::sort(sorted_names.begin(), sorted_names.end(),
-              [](const QString& a, const QString& b)
-              { return CASE_INSENSITIVE_COMPARE_STRING::compare(a, b) < 0; });
-    for (const QString& name : schema.column_ordering())
+bool KOR_TABLE_IO::read_table_buffer(QString& error, char* buffer, size_t size, const QString& source_name,
+                                     const std::function<QByteArray()>& pristine,
+                                     const KOR_TABLE_SCHEMA& schema, KOR_TABLE_DATA& out,
+                                     KOR_TABLE_READ_DETAILS* details)
+{
+    READ_CONTEXT context{source_name, pristine, QByteArray(), false};
+    error.clear();
+    switch (read_in_slices(error, buffer, size, context, schema, out, details))
     {
-        FIELD_INFO info;
-        info.schema = schema.field_schema_by_name(name);
-        info.name = name.toUtf8();
-        info.slot = int(sorted_names.indexOf(name));
-        info.type = info.schema->field_type();
-        fields.push_back(std::move(info));
+    case CHUNKED::DONE:
+        return error.isEmpty();
+    case CHUNKED::NOT_THIS_FILE:
+        return read_whole_document(error, buffer, size, context, schema, out, details);
+    case CHUNKED::START_OVER:
+        break;
     }
-
-    KOR_TABLE_DATA loaded(&schema);
-    KOR_MEMORY_POOL& pool = KOR_ENGINE_ACCESS::pool(loaded);
-    RECORD_GUARD guard;
-    std::vector<KOR_RECORD_MAP::ENTRY> entries;
-    std::vector<std::pair<KOR_RECORD_DATA*, qint64>> offsets;
-    bool sorted = true;
-    int given_uuids = 0;
-
-    for (pugi::xml_node node = root.first_child(); node; node = node.next_sibling())
-    {
-        if (node.type() != pugi::node_element)
-        {
-            if ((node.type() == pugi::node_pcdata || node.type() == pugi::node_cdata) &&
-                !is_whitespace_text(node))
-            {
-                error = QStringLiteral("%1: text outside a record").arg(context.where(node.offset_debug()));
-                return false;
-            }
-            continue;
-        }
-        if (std::strcmp(node.name(), "record") != 0)
-        {
-            error = QStringLiteral("%1: unexpected element <%2> where a <record> belongs")
-                        .arg(context.where(node.offset_debug()), QString::fromUtf8(node.name()));
-            return false;
-        }
-        QUuid uuid;
-        qint64 modified = 0;
-        for (pugi::xml_attribute attribute = node.first_attribute(); attribute;
-             attribute = attribute.next_attribute())
-        {
-            if (std::strcmp(attribute.name(), "uuid") == 0)
-            {
-                if (!parse_uuid(attribute.value(), uuid) || uuid.isNull())
-                {
-                    error =
-                        QStringLiteral("%1: '%2' is not a valid uuid")
-                            .arg(context.where(node.offset_debug()), QString::fromUtf8(attribute.value()));
-                    return false;
-                }
-            }
-            else if (std::strcmp(attribute.name(), "modified") == 0)
-            {
-                if (!parse_timestamp(attribute.value(), modified))
-                {
-                    error =
-                        QStringLiteral("%1: '%2' is not a valid modification time (YYYY-MM-DDThh:mm:ss.zzzZ)")
-                            .arg(context.where(node.offset_debug()), QString::fromUtf8(attribute.value()));
-                    return false;
-                }
-            }
-            else
-            {
-                error = QStringLiteral("%1: unknown attribute '%2' of a record")
-                            .arg(context.where(node.offset_debug()), QString::fromUtf8(attribute.name()));
-                return false;
-            }
-        }
-        if (uuid.isNull())
-        {
-            // Older files may lack uuids; write_out_tables_with_uuids stores these.
-            uuid = QUuid::createUuid();
-            ++given_uuids;
-        }
-
-        KOR_RECORD_DATA* record = KOR_ENGINE_ACCESS::new_pooled_record(pool, &schema, &loaded, uuid);
-        guard.records.push_back(record);
-        record->set_modification_msecs(modified);
-        KOR_FIELD_DATA** items = static_cast<KOR_FIELD_DATA**>(
-            pool.allocate(sizeof(KOR_FIELD_DATA*) * size_t(qMax(1, field_count)), alignof(KOR_FIELD_DATA*)));
-        std::fill(items, items + field_count, nullptr);
-        auto fail_record = [&](const QString& reason, qint64 offset)
-        {
-            error = QStringLiteral("%1: %2").arg(context.where(offset), reason);
-            // Only the fields made so far belong to the record.
-            int made = 0;
-            for (int i = 0; i < field_count; ++i)
-                if (items[i])
-                    items[made++] = items[i];
-            std::sort(items, items + made,
-                      [](KOR_FIELD_DATA* a, KOR_FIELD_DATA* b)
-                      {
-                          return CASE_INSENSITIVE_COMPARE_STRING::compare(
-                                     a->field_schema()->field_name(), b->field_schema()->field_name()) < 0;
-                      });
-            KOR_ENGINE_ACCESS::set_pooled_fields(record, items, quint32(made));
-            return false;
-        };
-        // Fields of a record we wrote are in column order: try the next
-        // expected one first.
-        int expected = 0;
-        for (pugi::xml_node element = node.first_child(); element; element = element.next_sibling())
-        {
-            if (element.type() != pugi::node_element)
-            {
-                if ((element.type() == pugi::node_pcdata || element.type() == pugi::node_cdata) &&
-                    !is_whitespace_text(element))
-                {
-                    return fail_record(QStringLiteral("text outside a field"), element.offset_debug());
-                }
-                continue;
-            }
-            const char* name = element.name();
-            int index = -1;
-            if (expected < field_count && std::strcmp(fields[size_t(expected)].name.constData(), name) == 0)
-                index = expected;
-            for (int i = 0; index < 0 && i < field_count; ++i)
-                if (std::strcmp(fields[size_t(i)].name.constData(), name) == 0)
-                    index = i;
-            for (int i = 0; index < 0 && i < field_count; ++i)
-                if (qstricmp(fields[size_t(i)].name.constData(), name) == 0)
-                    index = i;
-            if (index < 0)
-                return fail_record(QStringLiteral("field '%1' is not in the schema of table '%2'")
-                                       .arg(QString::fromUtf8(name), schema.get_table_name()),
-                                   element.offset_debug());
-            FIELD_INFO& info = fields[size_t(index)];
-            if (items[info.slot])
-                return fail_record(
-                    QStringLiteral("field '%1' appears twice in one record").arg(QString::fromUtf8(name)),
-                    element.offset_debug());
-            const pugi::xml_node value_node = element.first_child();
-            if (value_node && value_node.type() == pugi::node_element)
-                return fail_record(
-                    QStringLiteral("field '%1' holds an element, not a value").arg(QString::fromUtf8(name)),
-                    value_node.offset_debug());
-            if (value_node && value_node.next_sibling())
-                return fail_record(
-                    QStringLiteral("field '%1' holds more than a value").arg(QString::fromUtf8(name)),
-                    value_node.next_sibling().offset_debug());
-            KOR_FIELD_DATA* field = KOR_ENGINE_ACCESS::new_pooled_field(pool, info.schema);
-            items[info.slot] = field;
-            QString reason;
-            if (!convert_value(info, value_node ? value_node.value() : "", field->m_value, reason))
-                return fail_record(reason, element.offset_debug());
-            if (element.first_attribute() && !read_approval(element, field, reason))
-                return fail_record(reason, element.offset_debug());
-            expected = index + 1;
-        }
-        // Fields a record lacks are empty, so every record has every field.
-        for (int i = 0; i < field_count; ++i)
-        {
-            FIELD_INFO& info = fields[size_t(i)];
-            if (!items[info.slot])
-            {
-                KOR_FIELD_DATA* field = KOR_ENGINE_ACCESS::new_pooled_field(pool, info.schema);
-                if (info.type == KFT_TEXT)
-                    field->m_value = QString(QLatin1String(""));
-                items[info.slot] = field;
-            }
-        }
-        KOR_ENGINE_ACCESS::set_pooled_fields(record, items, quint32(field_count));
-        QString key = record->key();
-        if (key.isEmpty())
-        {
-            error = QStringLiteral("%1: the record has an empty primary key")
-                        .arg(context.where(node.offset_debug()));
-            return false;
-        }
-        if (sorted && !entries.empty() && !(entries.back().key < key))
-            sorted = false;
-        entries.push_back(KOR_RECORD_MAP::ENTRY{std::move(key), record});
-        offsets.emplace_back(record, node.offset_debug());
-    }
-
-    if (!sorted)
-        std::stable_sort(entries.begin(), entries.end(),
-                         [](const KOR_RECORD_MAP::ENTRY& a, const KOR_RECORD_MAP::ENTRY& b)
-                         { return a.key < b.key; });
-    auto offset_of = [&offsets](const KOR_RECORD_DATA* record)
-    {
-        for (const auto& entry : offsets)
-            if (entry.first == record)
-                return entry.second;
-        return qint64(-1);
-    };
-    for (size_t i = 1; i < entries.size(); ++i)
-    {
-        if (entries[i - 1].key == entries[i].key)
-        {
-            error = QStringLiteral("%1: the key '%2' is used by two records (the other at %3)")
-                        .arg(context.where(offset_of(entries[i].record)), entries[i].key,
-                             context.where(offset_of(entries[i - 1].record)));
-            return false;
-        }
-    }
-    const KOR_RECORD_DATA* duplicate = KOR_ENGINE_ACCESS::adopt_sorted_records(loaded, std::move(entries));
-    guard.owned_by_table = true;
-    if (duplicate)
-    {
-        error =
-            QStringLiteral("%1: the uuid %2 is used by two records")
-                .arg(context.where(offset_of(duplicate)), duplicate->uuid().toString(QUuid::WithoutBraces));
-        return false;
-    }
-    if (details)
-    {
-        details->records_given_uuids = given_uuids;
-        if (details->want_record_offsets)
-        {
-            details->record_offsets.clear();
-            details->record_offsets.reserve(offsets.size());
-            for (const auto& entry : offsets)
-                details->record_offsets.emplace_back(entry.first, entry.second);
-        }
-    }
-    out = std::move(loaded);
-    return true;
+    QByteArray again = pristine ? pristine() : QByteArray();
+    return read_whole_document(error, again.data(), size_t(again.size()), context, schema, out, details);
 }
 
 namespace

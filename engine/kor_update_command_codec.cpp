@@ -231,8 +231,7 @@ bool KOR_UPDATE_COMMAND_CODEC::parse_line(QString& error, const QString& line, i
             return false;
         }
     }
-    auto require = [&](const QString& name)
-    {
+    auto require = [&](const QString& name) {
         if (values.contains(name))
             return true;
         error = QStringLiteral("line %1: command %2 lacks '%3'").arg(line_number).arg(type).arg(name);

@@ -141,12 +141,10 @@ bool KOR_XML_QUERY_INTERFACE::get_field_lookup_value(QString& error, QString& ou
     if (!table)
         return false;
     const KOR_RECORD_DATA* found = nullptr;
-    for_each_record_with(*table, target->field_name(), text,
-                         [&found](KOR_RECORD_DATA* record)
-                         {
-                             if (!found)
-                                 found = record;
-                         });
+    for_each_record_with(*table, target->field_name(), text, [&found](KOR_RECORD_DATA* record) {
+        if (!found)
+            found = record;
+    });
     if (!found)
         return d->fail(error, QStringLiteral("'%1' does not exist in %2.%3")
                                   .arg(text, target->table_name(), target->field_name()));
@@ -187,12 +185,10 @@ bool KOR_XML_QUERY_INTERFACE::get_field_lookup_values(QString& error, QVector<QV
         choices.push_back(CHOICE{lookup_text(*record, fields), record->key(), value->m_value});
     }
     // Display order: by the text shown, ignoring case, then by key.
-    std::stable_sort(choices.begin(), choices.end(),
-                     [](const CHOICE& a, const CHOICE& b)
-                     {
-                         const int order = QString::compare(a.text, b.text, Qt::CaseInsensitive);
-                         return order != 0 ? order < 0 : a.key < b.key;
-                     });
+    std::stable_sort(choices.begin(), choices.end(), [](const CHOICE& a, const CHOICE& b) {
+        const int order = QString::compare(a.text, b.text, Qt::CaseInsensitive);
+        return order != 0 ? order < 0 : a.key < b.key;
+    });
     keys.reserve(int(choices.size()));
     for (const CHOICE& choice : choices)
     {

@@ -94,7 +94,9 @@ void KOR_XML_OUTPUT::escaped(const QString& text, bool attribute)
     const ushort* end = p + text.size();
     while (p < end)
     {
-        make_room(RESERVE);
+        // Room for at least one character beyond the limit below, so that
+        // every pass makes progress.
+        make_room(2 * RESERVE);
         char* out = m_buffer.get() + m_used;
         char* const limit = m_buffer.get() + BUFFER_SIZE - RESERVE;
         // Plain ASCII, the common case, is copied straight.

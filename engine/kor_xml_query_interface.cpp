@@ -10,8 +10,8 @@
 #include "kor_table_io.h"
 #include "kor_table_schema.h"
 #include "kor_unique_ids.h"
-#include "kor_user_name.h"
 #include "kor_xml_query_interface_p.h"
+#include "orbin_user.h"
 #include "patched_tables.h"
 #include "progress_callback.h"
 
@@ -37,7 +37,7 @@ KOR_FILE_SIGNATURE KOR_FILE_SIGNATURE::of(const QString& path)
 
 KOR_XML_QUERY_INTERFACE_PRIVATE::KOR_XML_QUERY_INTERFACE_PRIVATE(KOR_XML_QUERY_INTERFACE* query_interface,
                                                                  PROGRESS_CALLBACK* progress_callback)
-    : q(query_interface), progress(progress_callback), user_name(kor_user_name())
+    : q(query_interface), progress(progress_callback), user_name(ORBIN_USER::login_name())
 {
 }
 
@@ -111,11 +111,14 @@ QString KOR_XML_QUERY_INTERFACE_PRIVATE::open(const QString& database_path)
             table_schema->get_table_name(),
             KOR_FILE_SIGNATURE::of(KOR_TABLE_IO::schema_file_path(path, table_schema->get_table_name())));
     PATCHED_TABLES::instance().load_from_database(path);
-    QStringList query_warnings;
-    queries.load(path, query_warnings);
-    for (const QString& warning : qAsConst(query_warnings))
-        report(warning, PROGRESS_CALLBACK::SEVERITY_WARNING);
     connected = true;
+    const QString queries_error = open_queries();
+    if (!queries_error.isEmpty())
+    {
+        report(queries_error, PROGRESS_CALLBACK::SEVERITY_ERROR);
+        close();
+        return fail(queries_error);
+    }
     return QString();
 }
 
@@ -123,6 +126,8 @@ void KOR_XML_QUERY_INTERFACE_PRIVATE::close()
 {
     if (tx.open)
         rollback();
+    if (connected)
+        close_queries();
     database_data.clear();
     tables.clear();
     retired_tables.clear();
@@ -130,8 +135,8 @@ void KOR_XML_QUERY_INTERFACE_PRIVATE::close()
     retired_schemas.clear();
     retired_fields.clear();
     schema_signatures.clear();
+    load_failures.clear();
     permissions.clear();
-    queries.clear();
     connected = false;
 }
 
@@ -169,6 +174,11 @@ KOR_TABLE_DATA* KOR_XML_QUERY_INTERFACE_PRIVATE::table(QString& error, const QSt
         }
         return it->second.data.get();
     }
+    if (load_failures.contains(name))
+    {
+        fail(error, load_failures.value(name));
+        return nullptr;
+    }
     const QString file = KOR_TABLE_IO::table_file_path(path, name);
     auto data = std::make_unique<KOR_TABLE_DATA>(table_schema);
     KOR_TABLE_READ_DETAILS details;
@@ -178,6 +188,7 @@ KOR_TABLE_DATA* KOR_XML_QUERY_INTERFACE_PRIVATE::table(QString& error, const QSt
     {
         report(error, PROGRESS_CALLBACK::SEVERITY_ERROR);
         last_error = error;
+        load_failures.insert(name, error);
         return nullptr;
     }
     if (details.records_given_uuids > 0)

@@ -14,7 +14,6 @@
 #include "kor_database_data.h"
 #include "kor_permissions.h"
 #include "kor_query_interface.h"
-#include "query/kor_query_store.h"
 #include "kor_update_command_codec.h"
 
 #include <QDateTime>
@@ -38,6 +37,8 @@ class KOR_TABLE_DATA;
 class KOR_TABLE_SCHEMA;
 class KOR_XML_QUERY_INTERFACE;
 class PROGRESS_CALLBACK;
+class KOR_QUERY_STATE;
+class KOR_WORKSPACE_STATE;
 
 // What a file looked like when the engine last read or wrote it; a commit
 // refuses to overwrite a file that changed since (another interface or
@@ -88,10 +89,11 @@ public:
     };
     std::map<QString, LOADED_TABLE> tables;
     QMap<QString, KOR_FILE_SIGNATURE> schema_signatures;
+    // Tables whose file could not be read, with the reason: reported once,
+    // answered again without reading the file until the next connection.
+    QMap<QString, QString> load_failures;
     KOR_DATABASE_DATA database_data;
     KOR_PERMISSIONS permissions;
-    // The saved queries, read on connect (engine/query).
-    KOR_QUERY_STORE queries;
     mutable QString last_error;
     std::vector<std::unique_ptr<KOR_TABLE_SCHEMA>> retired_schemas;
     std::vector<std::unique_ptr<KOR_TABLE_DATA>> retired_tables;
@@ -189,6 +191,18 @@ public:
     // A value to fill a required field of existing records with; false when
     // there is none.
     bool fill_value(QString& error, const KOR_FIELD_SCHEMA& field, KOR_TABLE_DATA& table, QVariant& out);
+
+    // ------------------------------------------------------------ extensions
+    // State of the query language (engine/query) and of the working-copy
+    // operations (engine/workspace), each type defined by its area, which
+    // sets the pointer together with its deleter.
+    std::unique_ptr<KOR_QUERY_STATE, void (*)(KOR_QUERY_STATE*)> query_state{nullptr, nullptr};
+    std::unique_ptr<KOR_WORKSPACE_STATE, void (*)(KOR_WORKSPACE_STATE*)> workspace_state{nullptr, nullptr};
+    // The saved queries of the database: read at the end of a successful
+    // open(), an error text refusing the connection; dropped at the start of
+    // close(). Defined by engine/query.
+    QString open_queries();
+    void close_queries();
 
     // ------------------------------------------------------------ approval
     KOR_FIELD_DATA* approval_field(QString& error, const QString& table_name, const QString& field_name,

@@ -110,27 +110,25 @@ void KOR_XML_QUERY_INTERFACE_PRIVATE::snapshot_record(KOR_TABLE_DATA& table, KOR
 {
     std::shared_ptr<KOR_RECORD_DATA> copy = std::make_shared<KOR_RECORD_DATA>(*record, nullptr, false);
     KOR_TABLE_DATA* table_pointer = &table;
-    push_undo(
-        [table_pointer, record, copy]()
+    push_undo([table_pointer, record, copy]() {
+        const QString current_key = record->key();
+        QList<QString> surplus;
+        for (KOR_FIELD_DATA* field : record->field_map())
         {
-            const QString current_key = record->key();
-            QList<QString> surplus;
-            for (KOR_FIELD_DATA* field : record->field_map())
-            {
-                if (const KOR_FIELD_DATA* old = copy->get_field_data(field->field_name()))
-                    *field = *old;
-                else
-                    surplus.append(field->field_name());
-            }
-            for (const QString& name : qAsConst(surplus))
-                KOR_ENGINE_ACCESS::destroy_field(KOR_ENGINE_ACCESS::take_field(record, name));
-            for (const KOR_FIELD_DATA* old : copy->field_map())
-                if (!record->get_field_data(old->field_name()))
-                    KOR_ENGINE_ACCESS::put_field(record, new KOR_FIELD_DATA(*old));
-            record->set_modification_msecs(copy->modification_msecs());
-            KOR_ENGINE_ACCESS::rekey_record(*table_pointer, record, current_key, record->key());
-            KOR_ENGINE_ACCESS::mark_changed(*table_pointer);
-        });
+            if (const KOR_FIELD_DATA* old = copy->get_field_data(field->field_name()))
+                *field = *old;
+            else
+                surplus.append(field->field_name());
+        }
+        for (const QString& name : qAsConst(surplus))
+            KOR_ENGINE_ACCESS::destroy_field(KOR_ENGINE_ACCESS::take_field(record, name));
+        for (const KOR_FIELD_DATA* old : copy->field_map())
+            if (!record->get_field_data(old->field_name()))
+                KOR_ENGINE_ACCESS::put_field(record, new KOR_FIELD_DATA(*old));
+        record->set_modification_msecs(copy->modification_msecs());
+        KOR_ENGINE_ACCESS::rekey_record(*table_pointer, record, current_key, record->key());
+        KOR_ENGINE_ACCESS::mark_changed(*table_pointer);
+    });
 }
 
 KOR_RECORD_DATA* KOR_XML_QUERY_INTERFACE_PRIVATE::add_record(QString& error, const QString& table_name,
@@ -354,40 +352,35 @@ void KOR_XML_QUERY_INTERFACE_PRIVATE::snapshot_field(KOR_FIELD_DATA* field)
 QString KOR_XML_QUERY_INTERFACE::add_record(const QString& table_name, const KOR_RECORD_DATA* record)
 {
     QString error;
-    d->run(error,
-           [&](QString& operation_error)
-           {
-               if (!record)
-                   return d->fail(operation_error, QStringLiteral("No record given"));
-               if (!d->permissions.can_add(table_name))
-                   return d->fail(operation_error,
-                                  QStringLiteral("You do not have permission to add records to table '%1'")
-                                      .arg(table_name));
-               return d->add_record(operation_error, table_name, *record) != nullptr;
-           });
+    d->run(error, [&](QString& operation_error) {
+        if (!record)
+            return d->fail(operation_error, QStringLiteral("No record given"));
+        if (!d->permissions.can_add(table_name))
+            return d->fail(
+                operation_error,
+                QStringLiteral("You do not have permission to add records to table '%1'").arg(table_name));
+        return d->add_record(operation_error, table_name, *record) != nullptr;
+    });
     return error;
 }
 
 QString KOR_XML_QUERY_INTERFACE::remove_record(const QString& table_name, const KOR_RECORD_DATA& record)
 {
     QString error;
-    d->run(
-        error,
-        [&](QString& operation_error)
-        {
-            if (!d->permissions.can_remove(table_name))
-                return d->fail(operation_error,
-                               QStringLiteral("You do not have permission to remove records from table '%1'")
-                                   .arg(table_name));
-            KOR_TABLE_DATA* table = d->table(operation_error, table_name);
-            if (!table)
-                return false;
-            KOR_RECORD_DATA* target = d->find_record(*table, record.uuid(), record.key());
-            if (!target)
-                return d->fail(operation_error,
-                               QStringLiteral("Table '%1' has no record '%2'").arg(table_name, record.key()));
-            return d->remove_record(operation_error, table_name, target);
-        });
+    d->run(error, [&](QString& operation_error) {
+        if (!d->permissions.can_remove(table_name))
+            return d->fail(operation_error,
+                           QStringLiteral("You do not have permission to remove records from table '%1'")
+                               .arg(table_name));
+        KOR_TABLE_DATA* table = d->table(operation_error, table_name);
+        if (!table)
+            return false;
+        KOR_RECORD_DATA* target = d->find_record(*table, record.uuid(), record.key());
+        if (!target)
+            return d->fail(operation_error,
+                           QStringLiteral("Table '%1' has no record '%2'").arg(table_name, record.key()));
+        return d->remove_record(operation_error, table_name, target);
+    });
     return error;
 }
 
@@ -396,42 +389,41 @@ QString KOR_XML_QUERY_INTERFACE::edit_record_data(const QString& table_name,
                                                   const KOR_RECORD_DATA* new_record)
 {
     QString error;
-    d->run(error,
-           [&](QString& operation_error)
-           {
-               if (!old_record || !new_record)
-                   return d->fail(operation_error, QStringLiteral("No record given"));
-               if (!d->permissions.can_edit(table_name))
-                   return d->fail(operation_error,
-                                  QStringLiteral("You do not have permission to edit records of table '%1'")
-                                      .arg(table_name));
-               KOR_TABLE_DATA* table = d->table(operation_error, table_name);
-               if (!table)
-                   return false;
-               // The record is found by its uuid: its key may be what changes.
-               KOR_RECORD_DATA* target = d->find_record(*table, old_record->uuid(), QString());
-               if (!target)
-                   target = d->find_record(*table, new_record->uuid(), old_record->key());
-               if (!target)
-                   return d->fail(
-                       operation_error,
-                       QStringLiteral("Table '%1' has no record '%2'").arg(table_name, old_record->key()));
-               std::vector<KOR_FIELD_UPDATE> updates;
-               for (const KOR_FIELD_DATA* field : new_record->field_map())
-               {
-                   const KOR_FIELD_SCHEMA* field_schema =
-                       table->table_schema()->field_schema_by_name(field->field_name());
-                   if (!field_schema)
-                       return d->fail(operation_error, QStringLiteral("Field '%1' is not in table '%2'")
-                                                           .arg(field->field_name(), table_name));
-                   KOR_FIELD_UPDATE update;
-                   update.field = field_schema;
-                   update.value = field->m_value;
-                   update.approval_source = field->has_approval_data() ? field : nullptr;
-                   updates.push_back(update);
-               }
-               return d->update_record(operation_error, table_name, target, updates);
-           });
+    d->run(error, [&](QString& operation_error) {
+        if (!old_record || !new_record)
+            return d->fail(operation_error, QStringLiteral("No record given"));
+        if (!d->permissions.can_edit(table_name))
+            return d->fail(
+                operation_error,
+                QStringLiteral("You do not have permission to edit records of table '%1'").arg(table_name));
+        KOR_TABLE_DATA* table = d->table(operation_error, table_name);
+        if (!table)
+            return false;
+        // The record is found by its uuid: its key may be what changes.
+        KOR_RECORD_DATA* target = d->find_record(*table, old_record->uuid(), QString());
+        if (!target)
+            target = d->find_record(*table, new_record->uuid(), old_record->key());
+        if (!target)
+            return d->fail(
+                operation_error,
+                QStringLiteral("Table '%1' has no record '%2'").arg(table_name, old_record->key()));
+        std::vector<KOR_FIELD_UPDATE> updates;
+        for (const KOR_FIELD_DATA* field : new_record->field_map())
+        {
+            const KOR_FIELD_SCHEMA* field_schema =
+                table->table_schema()->field_schema_by_name(field->field_name());
+            if (!field_schema)
+                return d->fail(
+                    operation_error,
+                    QStringLiteral("Field '%1' is not in table '%2'").arg(field->field_name(), table_name));
+            KOR_FIELD_UPDATE update;
+            update.field = field_schema;
+            update.value = field->m_value;
+            update.approval_source = field->has_approval_data() ? field : nullptr;
+            updates.push_back(update);
+        }
+        return d->update_record(operation_error, table_name, target, updates);
+    });
     return error;
 }
 
@@ -459,24 +451,21 @@ QUuid KOR_XML_QUERY_INTERFACE::remove_record_within_transaction(const QString& t
 {
     QUuid removed;
     QString error;
-    d->run(error,
-           [&](QString& operation_error)
-           {
-               if (!d->permissions.can_remove(table_name))
-                   return d->fail(
-                       operation_error,
-                       QStringLiteral("You do not have permission to remove records from table '%1'")
-                           .arg(table_name));
-               KOR_TABLE_DATA* table = d->table(operation_error, table_name);
-               if (!table)
-                   return false;
-               KOR_RECORD_DATA* record = table->record_by_key(key);
-               if (!record)
-                   return d->fail(operation_error,
-                                  QStringLiteral("Table '%1' has no record '%2'").arg(table_name, key));
-               removed = record->uuid();
-               return d->remove_record(operation_error, table_name, record);
-           });
+    d->run(error, [&](QString& operation_error) {
+        if (!d->permissions.can_remove(table_name))
+            return d->fail(operation_error,
+                           QStringLiteral("You do not have permission to remove records from table '%1'")
+                               .arg(table_name));
+        KOR_TABLE_DATA* table = d->table(operation_error, table_name);
+        if (!table)
+            return false;
+        KOR_RECORD_DATA* record = table->record_by_key(key);
+        if (!record)
+            return d->fail(operation_error,
+                           QStringLiteral("Table '%1' has no record '%2'").arg(table_name, key));
+        removed = record->uuid();
+        return d->remove_record(operation_error, table_name, record);
+    });
     return error.isEmpty() ? removed : QUuid();
 }
 
@@ -485,25 +474,23 @@ QString KOR_XML_QUERY_INTERFACE::approve_text(const QString& table_name, const Q
                                               bool requires_translation, bool requires_recording, bool)
 {
     QString error;
-    d->run(error,
-           [&](QString& operation_error)
-           {
-               KOR_TABLE_DATA* table = nullptr;
-               KOR_FIELD_DATA* field = d->approval_field(operation_error, table_name, field_name, record_key,
-                                                         record_uuid, &table, nullptr);
-               if (!field)
-                   return false;
-               emit progressUpdate(
-                   QStringLiteral("Approving %1.%2 of '%3'").arg(table_name, field_name, record_key));
-               d->snapshot_field(field);
-               field->set_approval_state(KOR_FIELD_DATA::TAS_APPROVED);
-               field->set_last_approved_text(field->value_text());
-               field->set_requires_translation(requires_translation);
-               field->set_requires_recording(requires_recording);
-               KOR_ENGINE_ACCESS::mark_changed(*table);
-               d->mark_data_dirty(table_name);
-               return true;
-           });
+    d->run(error, [&](QString& operation_error) {
+        KOR_TABLE_DATA* table = nullptr;
+        KOR_FIELD_DATA* field = d->approval_field(operation_error, table_name, field_name, record_key,
+                                                  record_uuid, &table, nullptr);
+        if (!field)
+            return false;
+        emit progressUpdate(
+            QStringLiteral("Approving %1.%2 of '%3'").arg(table_name, field_name, record_key));
+        d->snapshot_field(field);
+        field->set_approval_state(KOR_FIELD_DATA::TAS_APPROVED);
+        field->set_last_approved_text(field->value_text());
+        field->set_requires_translation(requires_translation);
+        field->set_requires_recording(requires_recording);
+        KOR_ENGINE_ACCESS::mark_changed(*table);
+        d->mark_data_dirty(table_name);
+        return true;
+    });
     return error;
 }
 
@@ -511,36 +498,34 @@ QString KOR_XML_QUERY_INTERFACE::reject_text(const QString& table_name, const QS
                                              const QString& record_key, const QUuid& record_uuid)
 {
     QString error;
-    d->run(error,
-           [&](QString& operation_error)
-           {
-               KOR_TABLE_DATA* table = nullptr;
-               KOR_RECORD_DATA* record = nullptr;
-               KOR_FIELD_DATA* field = d->approval_field(operation_error, table_name, field_name, record_key,
-                                                         record_uuid, &table, &record);
-               if (!field)
-                   return false;
-               if (field->field_schema()->is_primary_key())
-                   return d->fail(
-                       operation_error,
-                       QStringLiteral("'%1' is a key field; its text cannot be rejected").arg(field_name));
-               emit progressUpdate(
-                   QStringLiteral("Rejecting %1.%2 of '%3'").arg(table_name, field_name, record_key));
-               d->snapshot_record(*table, record);
-               // A rejected text goes back to its last approved form; without one it
-               // keeps its words, marked so that it is found for review again.
-               const QString approved = field->last_approved_text();
-               const QString marker = QString::fromLatin1(REJECTED_MARKER);
-               if (!approved.isEmpty())
-                   field->m_value = approved;
-               else if (!field->value_text().contains(marker))
-                   field->m_value = marker + QStringLiteral(": ") + field->value_text();
-               field->set_approval_state(KOR_FIELD_DATA::TAS_APPROVED);
-               record->set_modification_msecs(KOR_XML_QUERY_INTERFACE_PRIVATE::now_msecs());
-               KOR_ENGINE_ACCESS::mark_changed(*table);
-               d->mark_data_dirty(table_name);
-               return true;
-           });
+    d->run(error, [&](QString& operation_error) {
+        KOR_TABLE_DATA* table = nullptr;
+        KOR_RECORD_DATA* record = nullptr;
+        KOR_FIELD_DATA* field = d->approval_field(operation_error, table_name, field_name, record_key,
+                                                  record_uuid, &table, &record);
+        if (!field)
+            return false;
+        if (field->field_schema()->is_primary_key())
+            return d->fail(
+                operation_error,
+                QStringLiteral("'%1' is a key field; its text cannot be rejected").arg(field_name));
+        emit progressUpdate(
+            QStringLiteral("Rejecting %1.%2 of '%3'").arg(table_name, field_name, record_key));
+        d->snapshot_record(*table, record);
+        // A rejected text goes back to its last approved form; without one it
+        // keeps its words, marked so that it is found for review again.
+        const QString approved = field->last_approved_text();
+        const QString marker = QString::fromLatin1(REJECTED_MARKER);
+        if (!approved.isEmpty())
+            field->m_value = approved;
+        else if (!field->value_text().contains(marker))
+            field->m_value = marker + QStringLiteral(": ") + field->value_text();
+        field->set_approval_state(KOR_FIELD_DATA::TAS_APPROVED);
+        record->set_modification_msecs(KOR_XML_QUERY_INTERFACE_PRIVATE::now_msecs());
+        KOR_ENGINE_ACCESS::mark_changed(*table);
+        d->mark_data_dirty(table_name);
+        return true;
+    });
     return error;
 }
 
@@ -549,22 +534,20 @@ QString KOR_XML_QUERY_INTERFACE::ignore_text(const QString& table_name, const QS
                                              const QString& text)
 {
     QString error;
-    d->run(error,
-           [&](QString& operation_error)
-           {
-               KOR_TABLE_DATA* table = nullptr;
-               KOR_FIELD_DATA* field = d->approval_field(operation_error, table_name, field_name, record_key,
-                                                         record_uuid, &table, nullptr);
-               if (!field)
-                   return false;
-               d->snapshot_field(field);
-               field->set_approval_state(KOR_FIELD_DATA::TAS_IGNORED);
-               if (!text.isEmpty())
-                   field->set_last_approved_text(text);
-               KOR_ENGINE_ACCESS::mark_changed(*table);
-               d->mark_data_dirty(table_name);
-               return true;
-           });
+    d->run(error, [&](QString& operation_error) {
+        KOR_TABLE_DATA* table = nullptr;
+        KOR_FIELD_DATA* field = d->approval_field(operation_error, table_name, field_name, record_key,
+                                                  record_uuid, &table, nullptr);
+        if (!field)
+            return false;
+        d->snapshot_field(field);
+        field->set_approval_state(KOR_FIELD_DATA::TAS_IGNORED);
+        if (!text.isEmpty())
+            field->set_last_approved_text(text);
+        KOR_ENGINE_ACCESS::mark_changed(*table);
+        d->mark_data_dirty(table_name);
+        return true;
+    });
     return error;
 }
 
@@ -577,58 +560,53 @@ QString KOR_XML_QUERY_INTERFACE::unapprove_text_that_contains(const QString& tex
     // to approval, which nobody asks for by leaving the box empty.
     if (text.isEmpty())
         return d->fail(QStringLiteral("Nothing to unapprove: the text is empty"));
-    d->run(
-        error,
-        [&](QString& operation_error)
+    d->run(error, [&](QString& operation_error) {
+        const Qt::CaseSensitivity sensitivity = case_sensitive ? Qt::CaseSensitive : Qt::CaseInsensitive;
+        // Localised fields: those the bookkeeping table lists, and those the
+        // schemas mark.
+        QMap<QString, QSet<QString>> fields;
+        QString ignored;
+        if (const KOR_TABLE_DATA* localisable = d->table(ignored, QStringLiteral("TExc_LocalisableFields")))
         {
-            const Qt::CaseSensitivity sensitivity = case_sensitive ? Qt::CaseSensitive : Qt::CaseInsensitive;
-            // Localised fields: those the bookkeeping table lists, and those the
-            // schemas mark.
-            QMap<QString, QSet<QString>> fields;
-            QString ignored;
-            if (const KOR_TABLE_DATA* localisable =
-                    d->table(ignored, QStringLiteral("TExc_LocalisableFields")))
+            for (const KOR_RECORD_DATA* record : localisable->records())
             {
-                for (const KOR_RECORD_DATA* record : localisable->records())
+                const KOR_FIELD_DATA* table_field = record->get_field_data(QStringLiteral("table_name"));
+                const KOR_FIELD_DATA* field_field = record->get_field_data(QStringLiteral("field"));
+                if (table_field && field_field)
+                    fields[table_field->value_text()].insert(field_field->value_text());
+            }
+        }
+        for (const KOR_TABLE_SCHEMA* table_schema : d->schema->table_schemas())
+            for (const KOR_FIELD_SCHEMA* field : table_schema->field_schemas())
+                if (field->is_localised())
+                    fields[table_schema->get_table_name()].insert(field->field_name());
+        int count = 0;
+        for (auto it = fields.constBegin(); it != fields.constEnd(); ++it)
+        {
+            KOR_TABLE_DATA* table = d->table_schema(it.key()) ? d->table(operation_error, it.key()) : nullptr;
+            if (!table)
+                continue;
+            emit progressUpdate(QStringLiteral("Looking through %1").arg(it.key()));
+            for (KOR_RECORD_DATA* record : table->records())
+            {
+                for (const QString& name : it.value())
                 {
-                    const KOR_FIELD_DATA* table_field = record->get_field_data(QStringLiteral("table_name"));
-                    const KOR_FIELD_DATA* field_field = record->get_field_data(QStringLiteral("field"));
-                    if (table_field && field_field)
-                        fields[table_field->value_text()].insert(field_field->value_text());
+                    KOR_FIELD_DATA* field = record->get_field_data(name);
+                    if (!field || field->approval_state() != KOR_FIELD_DATA::TAS_APPROVED ||
+                        !field->value_text().contains(text, sensitivity))
+                        continue;
+                    d->snapshot_field(field);
+                    field->set_approval_state(KOR_FIELD_DATA::TAS_AWAITING_APPROVAL);
+                    d->mark_data_dirty(it.key());
+                    ++count;
                 }
             }
-            for (const KOR_TABLE_SCHEMA* table_schema : d->schema->table_schemas())
-                for (const KOR_FIELD_SCHEMA* field : table_schema->field_schemas())
-                    if (field->is_localised())
-                        fields[table_schema->get_table_name()].insert(field->field_name());
-            int count = 0;
-            for (auto it = fields.constBegin(); it != fields.constEnd(); ++it)
-            {
-                KOR_TABLE_DATA* table =
-                    d->table_schema(it.key()) ? d->table(operation_error, it.key()) : nullptr;
-                if (!table)
-                    continue;
-                emit progressUpdate(QStringLiteral("Looking through %1").arg(it.key()));
-                for (KOR_RECORD_DATA* record : table->records())
-                {
-                    for (const QString& name : it.value())
-                    {
-                        KOR_FIELD_DATA* field = record->get_field_data(name);
-                        if (!field || field->approval_state() != KOR_FIELD_DATA::TAS_APPROVED ||
-                            !field->value_text().contains(text, sensitivity))
-                            continue;
-                        d->snapshot_field(field);
-                        field->set_approval_state(KOR_FIELD_DATA::TAS_AWAITING_APPROVAL);
-                        d->mark_data_dirty(it.key());
-                        ++count;
-                    }
-                }
-            }
-            operation_error.clear();
-            d->report(
-                QStringLiteral("%1 text(s) containing '%2' are awaiting approval again").arg(count).arg(text),
-                PROGRESS_CALLBACK::SEVERITY_INFORMATION);
-            return true;
-        });
+        }
+        operation_error.clear();
+        d->report(
+            QStringLiteral("%1 text(s) containing '%2' are awaiting approval again").arg(count).arg(text),
+            PROGRESS_CALLBACK::SEVERITY_INFORMATION);
+        return true;
+    });
     return error;
 }

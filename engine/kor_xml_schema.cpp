@@ -76,30 +76,28 @@ void KOR_XML_QUERY_INTERFACE_PRIVATE::snapshot_schema(KOR_TABLE_SCHEMA* table_sc
     }
     const QString agf = table_schema->agf_special_dependencies();
     const QUuid uuid = table_schema->table_unique_id();
-    push_undo(
-        [this, table_schema, state, agf, uuid]()
+    push_undo([this, table_schema, state, agf, uuid]() {
+        const QList<QString> current = table_schema->column_ordering();
+        for (const QString& name : current)
         {
-            const QList<QString> current = table_schema->column_ordering();
-            for (const QString& name : current)
-            {
-                KOR_FIELD_SCHEMA* field = table_schema->remove_field_schema(name);
-                const bool original =
-                    std::any_of(state->begin(), state->end(),
-                                [field](const FIELD_STATE& entry) { return entry.field == field; });
-                if (!original)
-                    retire_field(field);
-            }
-            for (const FIELD_STATE& entry : *state)
-            {
-                unretire_field(entry.field);
-                *entry.field = *entry.copy;
-                table_schema->add_field_schema(entry.field);
-            }
-            table_schema->set_agf_special_dependencies(agf);
-            table_schema->set_table_unique_id(uuid);
-            if (schema)
-                schema->rebuild_relations();
-        });
+            KOR_FIELD_SCHEMA* field = table_schema->remove_field_schema(name);
+            const bool original =
+                std::any_of(state->begin(), state->end(),
+                            [field](const FIELD_STATE& entry) { return entry.field == field; });
+            if (!original)
+                retire_field(field);
+        }
+        for (const FIELD_STATE& entry : *state)
+        {
+            unretire_field(entry.field);
+            *entry.field = *entry.copy;
+            table_schema->add_field_schema(entry.field);
+        }
+        table_schema->set_agf_special_dependencies(agf);
+        table_schema->set_table_unique_id(uuid);
+        if (schema)
+            schema->rebuild_relations();
+    });
 }
 
 bool KOR_XML_QUERY_INTERFACE_PRIVATE::fill_value(QString& error, const KOR_FIELD_SCHEMA& field,
@@ -153,17 +151,14 @@ bool KOR_XML_QUERY_INTERFACE_PRIVATE::change_schema(
     const std::vector<KOR_RECORD_DATA*> records(table->records().begin(), table->records().end());
 
     // Undone last: records back in name order and under their keys.
-    push_undo(
-        [table]()
-        {
-            for (KOR_RECORD_DATA* record : table->records())
-                KOR_ENGINE_ACCESS::resort_fields(record);
-            QString ignored;
-            KOR_ENGINE_ACCESS::rebuild_keys(*table, ignored);
-        });
+    push_undo([table]() {
+        for (KOR_RECORD_DATA* record : table->records())
+            KOR_ENGINE_ACCESS::resort_fields(record);
+        QString ignored;
+        KOR_ENGINE_ACCESS::rebuild_keys(*table, ignored);
+    });
     snapshot_schema(table_schema);
-    auto keep_value = [this](KOR_FIELD_DATA* field)
-    {
+    auto keep_value = [this](KOR_FIELD_DATA* field) {
         const QVariant old_value = field->m_value;
         push_undo([field, old_value]() { field->m_value = old_value; });
     };
@@ -190,18 +185,14 @@ bool KOR_XML_QUERY_INTERFACE_PRIVATE::change_schema(
         for (KOR_RECORD_DATA* record : records)
             if (KOR_FIELD_DATA* data = KOR_ENGINE_ACCESS::take_field(record, field->field_name()))
                 taken->emplace_back(record, data);
-        push_undo(
-            [taken]()
-            {
-                for (const auto& entry : *taken)
-                    KOR_ENGINE_ACCESS::put_field(entry.first, entry.second);
-            });
-        after_commit(
-            [taken]()
-            {
-                for (const auto& entry : *taken)
-                    KOR_ENGINE_ACCESS::destroy_field(entry.second);
-            });
+        push_undo([taken]() {
+            for (const auto& entry : *taken)
+                KOR_ENGINE_ACCESS::put_field(entry.first, entry.second);
+        });
+        after_commit([taken]() {
+            for (const auto& entry : *taken)
+                KOR_ENGINE_ACCESS::destroy_field(entry.second);
+        });
         add_command(KOR_UPDATE_COMMAND_CODEC::remove_field(table_name, field->field_name(),
                                                            field->field_unique_id(), command_origin));
         retire_field(table_schema->remove_field_schema(field->field_name()));
@@ -353,13 +344,11 @@ bool KOR_XML_QUERY_INTERFACE_PRIVATE::change_schema(
                 KOR_ENGINE_ACCESS::destroy_field(replaced);
         }
         const QString name = field->field_name();
-        push_undo(
-            [records, name]()
-            {
-                for (KOR_RECORD_DATA* record : records)
-                    if (KOR_FIELD_DATA* data = KOR_ENGINE_ACCESS::take_field(record, name))
-                        KOR_ENGINE_ACCESS::destroy_field(data);
-            });
+        push_undo([records, name]() {
+            for (KOR_RECORD_DATA* record : records)
+                if (KOR_FIELD_DATA* data = KOR_ENGINE_ACCESS::take_field(record, name))
+                    KOR_ENGINE_ACCESS::destroy_field(data);
+        });
         add_command(KOR_UPDATE_COMMAND_CODEC::add_field(table_name, *field, command_origin));
         data_changed = true;
     }
@@ -450,22 +439,20 @@ bool KOR_XML_QUERY_INTERFACE_PRIVATE::add_table(QString& error, const KOR_TABLE_
     const bool was_removed = tx.removed_tables.remove(name);
     const KOR_FILE_SIGNATURE old_schema_signature = schema_signatures.value(name);
     schema_signatures.insert(name, KOR_FILE_SIGNATURE::of(KOR_TABLE_IO::schema_file_path(path, name)));
-    push_undo(
-        [this, name, was_removed, old_schema_signature]()
+    push_undo([this, name, was_removed, old_schema_signature]() {
+        auto it = tables.find(name);
+        if (it != tables.end())
         {
-            auto it = tables.find(name);
-            if (it != tables.end())
-            {
-                retired_tables.push_back(std::move(it->second.data));
-                tables.erase(it);
-            }
-            database_data.remove_table_data(name);
-            retired_schemas.emplace_back(schema->take_table_schema(name));
-            schema->rebuild_relations();
-            schema_signatures.insert(name, old_schema_signature);
-            if (was_removed)
-                tx.removed_tables.insert(name);
-        });
+            retired_tables.push_back(std::move(it->second.data));
+            tables.erase(it);
+        }
+        database_data.remove_table_data(name);
+        retired_schemas.emplace_back(schema->take_table_schema(name));
+        schema->rebuild_relations();
+        schema_signatures.insert(name, old_schema_signature);
+        if (was_removed)
+            tx.removed_tables.insert(name);
+    });
     mark_schema_dirty(name);
     mark_data_dirty(name);
     add_command(KOR_UPDATE_COMMAND_CODEC::add_table(*copy, origin(user, description)));
@@ -506,35 +493,32 @@ bool KOR_XML_QUERY_INTERFACE_PRIVATE::remove_table(QString& error, const QString
     const bool was_dirty_schema = tx.dirty_schemas.remove(table_name);
     tx.removed_tables.insert(table_name);
     tx.changed_tables.insert(table_name);
-    push_undo(
-        [this, table_name, table_schema, data_pointer, was_dirty_data, was_dirty_schema]()
-        {
-            for (auto retired = retired_schemas.begin(); retired != retired_schemas.end(); ++retired)
-                if (retired->get() == table_schema)
-                {
-                    retired->release();
-                    retired_schemas.erase(retired);
-                    break;
-                }
-            schema->add_table_schema(table_schema);
-            schema->rebuild_relations();
-            for (auto retired = retired_tables.begin(); retired != retired_tables.end(); ++retired)
-                if (retired->get() == data_pointer && data_pointer)
-                {
-                    LOADED_TABLE& loaded = tables[table_name];
-                    loaded.data = std::move(*retired);
-                    loaded.signature =
-                        KOR_FILE_SIGNATURE::of(KOR_TABLE_IO::table_file_path(path, table_name));
-                    database_data.set_table_data(table_name, data_pointer);
-                    retired_tables.erase(retired);
-                    break;
-                }
-            tx.removed_tables.remove(table_name);
-            if (was_dirty_data)
-                tx.dirty_data.insert(table_name);
-            if (was_dirty_schema)
-                tx.dirty_schemas.insert(table_name);
-        });
+    push_undo([this, table_name, table_schema, data_pointer, was_dirty_data, was_dirty_schema]() {
+        for (auto retired = retired_schemas.begin(); retired != retired_schemas.end(); ++retired)
+            if (retired->get() == table_schema)
+            {
+                retired->release();
+                retired_schemas.erase(retired);
+                break;
+            }
+        schema->add_table_schema(table_schema);
+        schema->rebuild_relations();
+        for (auto retired = retired_tables.begin(); retired != retired_tables.end(); ++retired)
+            if (retired->get() == data_pointer && data_pointer)
+            {
+                LOADED_TABLE& loaded = tables[table_name];
+                loaded.data = std::move(*retired);
+                loaded.signature = KOR_FILE_SIGNATURE::of(KOR_TABLE_IO::table_file_path(path, table_name));
+                database_data.set_table_data(table_name, data_pointer);
+                retired_tables.erase(retired);
+                break;
+            }
+        tx.removed_tables.remove(table_name);
+        if (was_dirty_data)
+            tx.dirty_data.insert(table_name);
+        if (was_dirty_schema)
+            tx.dirty_schemas.insert(table_name);
+    });
     add_command(KOR_UPDATE_COMMAND_CODEC::remove_table(table_name, origin(user, reason)));
     return true;
 }
@@ -545,8 +529,9 @@ QString KOR_XML_QUERY_INTERFACE::add_table(const KOR_TABLE_SCHEMA& schema, const
                                            const QString& edit_description)
 {
     QString error;
-    d->run(error, [&](QString& operation_error)
-           { return d->add_table(operation_error, schema, edit_user, edit_description); });
+    d->run(error, [&](QString& operation_error) {
+        return d->add_table(operation_error, schema, edit_user, edit_description);
+    });
     return error;
 }
 
@@ -554,46 +539,44 @@ QString KOR_XML_QUERY_INTERFACE::edit_table(const QString& table_name, const KOR
                                             const QString& edit_user, const QString& edit_description)
 {
     QString error;
-    d->run(error,
-           [&](QString& operation_error)
-           {
-               KOR_TABLE_SCHEMA* current = d->table_schema(table_name);
-               if (!current)
-                   return d->fail(operation_error, QStringLiteral("Unknown table '%1'").arg(table_name));
-               if (schema.get_table_name() != table_name)
-                   return d->fail(operation_error, QStringLiteral("A table cannot be renamed ('%1' to '%2')")
-                                                       .arg(table_name, schema.get_table_name()));
-               // The fields are matched by uuid, then by name.
-               QSet<QString> removed;
-               QList<const KOR_FIELD_SCHEMA*> added;
-               QList<QPair<KOR_FIELD_SCHEMA*, QPair<KOR_METAFIELD, QVariant>>> changes;
-               QSet<const KOR_FIELD_SCHEMA*> matched;
-               for (KOR_FIELD_SCHEMA* field : current->field_schemas())
-               {
-                   const KOR_FIELD_SCHEMA* wanted = schema.field_schema_by_uuid(field->field_unique_id());
-                   if (!wanted)
-                       wanted = schema.field_schema_by_name(field->field_name());
-                   if (!wanted)
-                   {
-                       removed.insert(field->field_name());
-                       continue;
-                   }
-                   matched.insert(wanted);
-                   for (int metafield = 0; metafield < KMF_COUNT; ++metafield)
-                   {
-                       const QVariant value = wanted->get_metafield_value(KOR_METAFIELD(metafield));
-                       if (!same_metafield_value(KOR_METAFIELD(metafield),
-                                                 field->get_metafield_value(KOR_METAFIELD(metafield)), value))
-                           changes.append(qMakePair(field, qMakePair(KOR_METAFIELD(metafield), value)));
-                   }
-               }
-               for (const KOR_FIELD_SCHEMA* field : schema.field_schemas())
-                   if (!matched.contains(field))
-                       added.append(field);
-               const QStringList order = schema.column_ordering();
-               return d->change_schema(operation_error, table_name, schema.agf_special_dependencies(), added,
-                                       removed, changes, &order, edit_user, edit_description);
-           });
+    d->run(error, [&](QString& operation_error) {
+        KOR_TABLE_SCHEMA* current = d->table_schema(table_name);
+        if (!current)
+            return d->fail(operation_error, QStringLiteral("Unknown table '%1'").arg(table_name));
+        if (schema.get_table_name() != table_name)
+            return d->fail(operation_error, QStringLiteral("A table cannot be renamed ('%1' to '%2')")
+                                                .arg(table_name, schema.get_table_name()));
+        // The fields are matched by uuid, then by name.
+        QSet<QString> removed;
+        QList<const KOR_FIELD_SCHEMA*> added;
+        QList<QPair<KOR_FIELD_SCHEMA*, QPair<KOR_METAFIELD, QVariant>>> changes;
+        QSet<const KOR_FIELD_SCHEMA*> matched;
+        for (KOR_FIELD_SCHEMA* field : current->field_schemas())
+        {
+            const KOR_FIELD_SCHEMA* wanted = schema.field_schema_by_uuid(field->field_unique_id());
+            if (!wanted)
+                wanted = schema.field_schema_by_name(field->field_name());
+            if (!wanted)
+            {
+                removed.insert(field->field_name());
+                continue;
+            }
+            matched.insert(wanted);
+            for (int metafield = 0; metafield < KMF_COUNT; ++metafield)
+            {
+                const QVariant value = wanted->get_metafield_value(KOR_METAFIELD(metafield));
+                if (!same_metafield_value(KOR_METAFIELD(metafield),
+                                          field->get_metafield_value(KOR_METAFIELD(metafield)), value))
+                    changes.append(qMakePair(field, qMakePair(KOR_METAFIELD(metafield), value)));
+            }
+        }
+        for (const KOR_FIELD_SCHEMA* field : schema.field_schemas())
+            if (!matched.contains(field))
+                added.append(field);
+        const QStringList order = schema.column_ordering();
+        return d->change_schema(operation_error, table_name, schema.agf_special_dependencies(), added,
+                                removed, changes, &order, edit_user, edit_description);
+    });
     return error;
 }
 
@@ -601,8 +584,9 @@ QString KOR_XML_QUERY_INTERFACE::remove_table(const QString& table_name, const Q
                                               const QString& reason)
 {
     QString error;
-    d->run(error, [&](QString& operation_error)
-           { return d->remove_table(operation_error, table_name, edit_user, reason); });
+    d->run(error, [&](QString& operation_error) {
+        return d->remove_table(operation_error, table_name, edit_user, reason);
+    });
     return error;
 }
 
@@ -617,64 +601,59 @@ bool KOR_XML_QUERY_INTERFACE::change_schema(QString& error, const KOR_TABLE_SCHE
     if (!schema)
         return d->fail(error, QStringLiteral("No schema given"));
     const QString table_name = schema->get_table_name();
-    return d->run(error,
-                  [&](QString& operation_error)
-                  {
-                      KOR_TABLE_SCHEMA* current = d->table_schema(table_name);
-                      if (!current)
-                          return d->fail(operation_error,
-                                         QStringLiteral("Unknown table '%1'").arg(table_name));
-                      // The changes may name this interface's fields or those of a copy.
-                      QList<QPair<KOR_FIELD_SCHEMA*, QPair<KOR_METAFIELD, QVariant>>> resolved;
-                      for (auto it = changes.constBegin(); it != changes.constEnd(); ++it)
-                      {
-                          KOR_FIELD_SCHEMA* given = it.key().field_schema;
-                          if (!given)
-                              continue;
-                          KOR_FIELD_SCHEMA* field = given->owner() == current ? given : nullptr;
-                          if (!field)
-                              field = current->field_schema_by_uuid(given->field_unique_id());
-                          if (!field && !new_fields.contains(given))
-                              field = current->field_schema_by_name(given->field_name());
-                          if (!field)
-                              continue; // a new field's own values travel with it
-                          resolved.append(qMakePair(field, qMakePair(it.key().metafield, it.value())));
-                      }
-                      QList<const KOR_FIELD_SCHEMA*> added;
-                      for (const KOR_FIELD_SCHEMA* field : new_fields)
-                          if (field && !removed_fields.contains(field->field_name()))
-                              added.append(field);
-                      return d->change_schema(operation_error, table_name, agf_special_dependencies, added,
-                                              removed_fields, resolved, nullptr, edit_user, edit_description);
-                  });
+    return d->run(error, [&](QString& operation_error) {
+        KOR_TABLE_SCHEMA* current = d->table_schema(table_name);
+        if (!current)
+            return d->fail(operation_error, QStringLiteral("Unknown table '%1'").arg(table_name));
+        // The changes may name this interface's fields or those of a copy.
+        QList<QPair<KOR_FIELD_SCHEMA*, QPair<KOR_METAFIELD, QVariant>>> resolved;
+        for (auto it = changes.constBegin(); it != changes.constEnd(); ++it)
+        {
+            KOR_FIELD_SCHEMA* given = it.key().field_schema;
+            if (!given)
+                continue;
+            KOR_FIELD_SCHEMA* field = given->owner() == current ? given : nullptr;
+            if (!field)
+                field = current->field_schema_by_uuid(given->field_unique_id());
+            if (!field && !new_fields.contains(given))
+                field = current->field_schema_by_name(given->field_name());
+            if (!field)
+                continue; // a new field's own values travel with it
+            resolved.append(qMakePair(field, qMakePair(it.key().metafield, it.value())));
+        }
+        QList<const KOR_FIELD_SCHEMA*> added;
+        for (const KOR_FIELD_SCHEMA* field : new_fields)
+            if (field && !removed_fields.contains(field->field_name()))
+                added.append(field);
+        return d->change_schema(operation_error, table_name, agf_special_dependencies, added, removed_fields,
+                                resolved, nullptr, edit_user, edit_description);
+    });
 }
 
 QString KOR_XML_QUERY_INTERFACE::set_field_description(const QString& table_name, const QString& field_name,
                                                        const QUuid& field_uuid, const QString& description)
 {
     QString error;
-    d->run(error,
-           [&](QString& operation_error)
-           {
-               KOR_TABLE_SCHEMA* table_schema = d->table_schema(table_name);
-               if (!table_schema)
-                   return d->fail(operation_error, QStringLiteral("Unknown table '%1'").arg(table_name));
-               KOR_FIELD_SCHEMA* field = table_schema->field_schema_by_uuid(field_uuid);
-               if (!field)
-                   field = table_schema->field_schema_by_name(field_name);
-               if (!field)
-                   return d->fail(operation_error,
-                                  QStringLiteral("Table '%1' has no field '%2'").arg(table_name, field_name));
-               if (field->description() == description)
-                   return true;
-               d->snapshot_schema(table_schema);
-               d->add_command(KOR_UPDATE_COMMAND_CODEC::change_field(
-                   table_name, field->field_name(), field->field_unique_id(), KMF_DESCRIPTION,
-                   field->description(), description, d->origin(QString(), QString())));
-               field->set_metafield_value(KMF_DESCRIPTION, description);
-               d->mark_schema_dirty(table_name);
-               return true;
-           });
+    d->run(error, [&](QString& operation_error) {
+        KOR_TABLE_SCHEMA* table_schema = d->table_schema(table_name);
+        if (!table_schema)
+            return d->fail(operation_error, QStringLiteral("Unknown table '%1'").arg(table_name));
+        KOR_FIELD_SCHEMA* field = table_schema->field_schema_by_uuid(field_uuid);
+        if (!field)
+            field = table_schema->field_schema_by_name(field_name);
+        if (!field)
+            return d->fail(operation_error,
+                           QStringLiteral("Table '%1' has no field '%2'").arg(table_name, field_name));
+        if (field->description() == description)
+            return true;
+        d->snapshot_schema(table_schema);
+        d->add_command(KOR_UPDATE_COMMAND_CODEC::change_field(
+            table_name, field->field_name(), field->field_unique_id(), KMF_DESCRIPTION, field->description(),
+            description, d->origin(QString(), QString())));
+        field->set_metafield_value(KMF_DESCRIPTION, description);
+        d->mark_schema_dirty(table_name);
+        return true;
+    });
     return error;
 }
 
@@ -693,8 +672,7 @@ bool KOR_XML_QUERY_INTERFACE::apply_edit_commands(const QString& file, bool quie
     // later removal takes away again, a change that a later change of the
     // same attribute overrides. Such commands are passed over, so that a
     // file applied twice changes nothing the second time.
-    auto field_key = [](const UPDATE_COMMAND_ITEM* item)
-    {
+    auto field_key = [](const UPDATE_COMMAND_ITEM* item) {
         return item->field_uuid().isNull() ? item->table_name() + QLatin1Char('.') + item->field_name()
                                            : item->field_uuid().toString();
     };
@@ -746,123 +724,121 @@ bool KOR_XML_QUERY_INTERFACE::apply_edit_commands(const QString& file, bool quie
         // Commands already in effect are passed over, so a file can be applied
         // again, or to a database that has some of its changes.
         QString skipped;
-        const bool ok = d->run(
-            error,
-            [&](QString& operation_error)
+        const bool ok = d->run(error, [&](QString& operation_error) {
+            KOR_TABLE_SCHEMA* current = d->table_schema(table_name);
+            KOR_FIELD_SCHEMA* field = nullptr;
+            if (current)
             {
-                KOR_TABLE_SCHEMA* current = d->table_schema(table_name);
-                KOR_FIELD_SCHEMA* field = nullptr;
+                field = current->field_schema_by_uuid(item->field_uuid());
+                if (!field && !item->field_name().isEmpty())
+                    field = current->field_schema_by_name(item->field_name());
+            }
+            if (overridden[i])
+            {
+                skipped = QStringLiteral("a later command changes the same");
+                return true;
+            }
+            const bool field_absent =
+                !field && !(current && item->field_schema() &&
+                            current->field_schema_by_uuid(item->field_schema()->field_unique_id()));
+            const bool table_command = item->command_type == UPDATE_COMMAND_ITEM::UCT_ADD_TABLE ||
+                                       item->command_type == UPDATE_COMMAND_ITEM::UCT_REMOVE_TABLE ||
+                                       item->command_type == UPDATE_COMMAND_ITEM::UCT_REORDER_FIELDS ||
+                                       item->command_type == UPDATE_COMMAND_ITEM::UCT_CHANGE_TABLE;
+            if (removed_later[i] && (!current || (!table_command && field_absent)))
+            {
+                skipped = QStringLiteral("a later command removes it again");
+                return true;
+            }
+            if (item->command_type != UPDATE_COMMAND_ITEM::UCT_ADD_TABLE &&
+                item->command_type != UPDATE_COMMAND_ITEM::UCT_REMOVE_TABLE && !current)
+                return d->fail(operation_error, QStringLiteral("Unknown table '%1'").arg(table_name));
+            const QString user = item->edit_user();
+            const QString description = item->edit_description();
+            switch (item->command_type)
+            {
+            case UPDATE_COMMAND_ITEM::UCT_ADD_TABLE:
                 if (current)
                 {
-                    field = current->field_schema_by_uuid(item->field_uuid());
-                    if (!field && !item->field_name().isEmpty())
-                        field = current->field_schema_by_name(item->field_name());
-                }
-                if (overridden[i])
-                {
-                    skipped = QStringLiteral("a later command changes the same");
+                    skipped = QStringLiteral("table '%1' exists").arg(table_name);
                     return true;
                 }
-                const bool field_absent =
-                    !field && !(current && item->field_schema() &&
-                                current->field_schema_by_uuid(item->field_schema()->field_unique_id()));
-                const bool table_command = item->command_type == UPDATE_COMMAND_ITEM::UCT_ADD_TABLE ||
-                                           item->command_type == UPDATE_COMMAND_ITEM::UCT_REMOVE_TABLE ||
-                                           item->command_type == UPDATE_COMMAND_ITEM::UCT_REORDER_FIELDS ||
-                                           item->command_type == UPDATE_COMMAND_ITEM::UCT_CHANGE_TABLE;
-                if (removed_later[i] && (!current || (!table_command && field_absent)))
+                return d->add_table(operation_error, *item->table_schema(), user, description);
+            case UPDATE_COMMAND_ITEM::UCT_ADD_FIELD:
+            {
+                const KOR_FIELD_SCHEMA* added = item->field_schema();
+                if (current->field_schema_by_uuid(added->field_unique_id()) ||
+                    current->field_schema_by_name(added->field_name()))
                 {
-                    skipped = QStringLiteral("a later command removes it again");
+                    skipped = QStringLiteral("field '%1.%2' exists").arg(table_name, added->field_name());
                     return true;
                 }
-                if (item->command_type != UPDATE_COMMAND_ITEM::UCT_ADD_TABLE &&
-                    item->command_type != UPDATE_COMMAND_ITEM::UCT_REMOVE_TABLE && !current)
-                    return d->fail(operation_error, QStringLiteral("Unknown table '%1'").arg(table_name));
-                const QString user = item->edit_user();
-                const QString description = item->edit_description();
-                switch (item->command_type)
+                return d->change_schema(operation_error, table_name, current->agf_special_dependencies(),
+                                        {added}, {}, {}, nullptr, user, description);
+            }
+            case UPDATE_COMMAND_ITEM::UCT_CHANGE_FIELD:
+                if (!field)
+                    return d->fail(
+                        operation_error,
+                        QStringLiteral("Table '%1' has no field '%2'").arg(table_name, item->field_name()));
+                if (same_metafield_value(item->metafield(), field->get_metafield_value(item->metafield()),
+                                         item->new_value()))
                 {
-                case UPDATE_COMMAND_ITEM::UCT_ADD_TABLE:
-                    if (current)
-                    {
-                        skipped = QStringLiteral("table '%1' exists").arg(table_name);
-                        return true;
-                    }
-                    return d->add_table(operation_error, *item->table_schema(), user, description);
-                case UPDATE_COMMAND_ITEM::UCT_ADD_FIELD:
+                    skipped = QStringLiteral("field '%1.%2' has the value already")
+                                  .arg(table_name, field->field_name());
+                    return true;
+                }
+                return d->change_schema(operation_error, table_name, current->agf_special_dependencies(), {},
+                                        {},
+                                        {qMakePair(field, qMakePair(item->metafield(), item->new_value()))},
+                                        nullptr, user, description);
+            case UPDATE_COMMAND_ITEM::UCT_REMOVE_FIELD:
+                if (!field)
                 {
-                    const KOR_FIELD_SCHEMA* added = item->field_schema();
-                    if (current->field_schema_by_uuid(added->field_unique_id()) ||
-                        current->field_schema_by_name(added->field_name()))
-                    {
-                        skipped = QStringLiteral("field '%1.%2' exists").arg(table_name, added->field_name());
-                        return true;
-                    }
-                    return d->change_schema(operation_error, table_name, current->agf_special_dependencies(),
-                                            {added}, {}, {}, nullptr, user, description);
+                    skipped =
+                        QStringLiteral("field '%1.%2' is gone already").arg(table_name, item->field_name());
+                    return true;
                 }
-                case UPDATE_COMMAND_ITEM::UCT_CHANGE_FIELD:
-                    if (!field)
-                        return d->fail(operation_error, QStringLiteral("Table '%1' has no field '%2'")
-                                                            .arg(table_name, item->field_name()));
-                    if (same_metafield_value(item->metafield(), field->get_metafield_value(item->metafield()),
-                                             item->new_value()))
-                    {
-                        skipped = QStringLiteral("field '%1.%2' has the value already")
-                                      .arg(table_name, field->field_name());
-                        return true;
-                    }
-                    return d->change_schema(
-                        operation_error, table_name, current->agf_special_dependencies(), {}, {},
-                        {qMakePair(field, qMakePair(item->metafield(), item->new_value()))}, nullptr, user,
-                        description);
-                case UPDATE_COMMAND_ITEM::UCT_REMOVE_FIELD:
-                    if (!field)
-                    {
-                        skipped = QStringLiteral("field '%1.%2' is gone already")
-                                      .arg(table_name, item->field_name());
-                        return true;
-                    }
-                    return d->change_schema(operation_error, table_name, current->agf_special_dependencies(),
-                                            {}, {field->field_name()}, {}, nullptr, user, description);
-                case UPDATE_COMMAND_ITEM::UCT_REORDER_FIELDS:
+                return d->change_schema(operation_error, table_name, current->agf_special_dependencies(), {},
+                                        {field->field_name()}, {}, nullptr, user, description);
+            case UPDATE_COMMAND_ITEM::UCT_REORDER_FIELDS:
+            {
+                // Fields the command names that this table lacks are left
+                // out; fields it does not name keep their order behind.
+                QStringList order;
+                for (const QString& name : item->new_value().toStringList())
+                    if (current->field_schemas().contains(name))
+                        order.append(name);
+                for (const QString& name : current->column_ordering())
+                    if (!order.contains(name))
+                        order.append(name);
+                if (order == current->column_ordering())
                 {
-                    // Fields the command names that this table lacks are left
-                    // out; fields it does not name keep their order behind.
-                    QStringList order;
-                    for (const QString& name : item->new_value().toStringList())
-                        if (current->field_schemas().contains(name))
-                            order.append(name);
-                    for (const QString& name : current->column_ordering())
-                        if (!order.contains(name))
-                            order.append(name);
-                    if (order == current->column_ordering())
-                    {
-                        skipped = QStringLiteral("the fields of '%1' are in that order").arg(table_name);
-                        return true;
-                    }
-                    return d->change_schema(operation_error, table_name, current->agf_special_dependencies(),
-                                            {}, {}, {}, &order, user, description);
+                    skipped = QStringLiteral("the fields of '%1' are in that order").arg(table_name);
+                    return true;
                 }
-                case UPDATE_COMMAND_ITEM::UCT_REMOVE_TABLE:
-                    if (!current)
-                    {
-                        skipped = QStringLiteral("table '%1' is gone already").arg(table_name);
-                        return true;
-                    }
-                    return d->remove_table(operation_error, table_name, user, description);
-                case UPDATE_COMMAND_ITEM::UCT_CHANGE_TABLE:
-                    if (current->agf_special_dependencies() == item->new_value().toString())
-                    {
-                        skipped = QStringLiteral("table '%1' has those AGF dependencies").arg(table_name);
-                        return true;
-                    }
-                    return d->change_schema(operation_error, table_name, item->new_value().toString(), {}, {},
-                                            {}, nullptr, user, description);
+                return d->change_schema(operation_error, table_name, current->agf_special_dependencies(), {},
+                                        {}, {}, &order, user, description);
+            }
+            case UPDATE_COMMAND_ITEM::UCT_REMOVE_TABLE:
+                if (!current)
+                {
+                    skipped = QStringLiteral("table '%1' is gone already").arg(table_name);
+                    return true;
                 }
-                return d->fail(operation_error,
-                               QStringLiteral("Unknown command type %1").arg(item->command_type));
-            });
+                return d->remove_table(operation_error, table_name, user, description);
+            case UPDATE_COMMAND_ITEM::UCT_CHANGE_TABLE:
+                if (current->agf_special_dependencies() == item->new_value().toString())
+                {
+                    skipped = QStringLiteral("table '%1' has those AGF dependencies").arg(table_name);
+                    return true;
+                }
+                return d->change_schema(operation_error, table_name, item->new_value().toString(), {}, {}, {},
+                                        nullptr, user, description);
+            }
+            return d->fail(operation_error,
+                           QStringLiteral("Unknown command type %1").arg(item->command_type));
+        });
         if (!ok)
         {
             d->fail(where + QStringLiteral(": ") + error);
@@ -942,9 +918,9 @@ int KOR_XML_QUERY_INTERFACE::collect_dependant_tables(QList<QString>& out, const
         d->fail(error, QStringLiteral("No table given"));
         return 0;
     }
-    return collect_tables(out, table_data->table_name(),
-                          [this](QSet<QString>& set, const QString& table)
-                          { add_dependent_tables_to_set(set, table); });
+    return collect_tables(out, table_data->table_name(), [this](QSet<QString>& set, const QString& table) {
+        add_dependent_tables_to_set(set, table);
+    });
 }
 
 int KOR_XML_QUERY_INTERFACE::collect_dependency_tables(QList<QString>& out, const KOR_TABLE_DATA* table_data,
@@ -955,9 +931,9 @@ int KOR_XML_QUERY_INTERFACE::collect_dependency_tables(QList<QString>& out, cons
         d->fail(error, QStringLiteral("No table given"));
         return 0;
     }
-    return collect_tables(out, table_data->table_name(),
-                          [this](QSet<QString>& set, const QString& table)
-                          { add_dependency_tables_to_set(set, table); });
+    return collect_tables(out, table_data->table_name(), [this](QSet<QString>& set, const QString& table) {
+        add_dependency_tables_to_set(set, table);
+    });
 }
 
 QMap<QString, QMap<QString, RELATIONSHIP_DATA>> KOR_XML_QUERY_INTERFACE::relationship_data() const
@@ -1075,48 +1051,45 @@ void KOR_XML_QUERY_INTERFACE::refresh_unique_id_lookups_table()
         return;
     }
     QString error;
-    const bool ok = d->run(error,
-                           [&](QString& operation_error)
-                           {
-                               KOR_TABLE_DATA* lookups = d->table(operation_error, lookup_table);
-                               if (!lookups)
-                                   return false;
-                               const QList<KOR_RECORD_DATA*> old_records = lookups->records().values();
-                               for (KOR_RECORD_DATA* record : old_records)
-                                   if (!d->remove_record(operation_error, lookup_table, record))
-                                       return false;
-                               for (const KOR_TABLE_SCHEMA* table_schema : d->schema->table_schemas())
-                               {
-                                   if (table_schema == lookup_schema)
-                                       continue;
-                                   QStringList id_fields;
-                                   for (const KOR_FIELD_SCHEMA* field : table_schema->field_schemas())
-                                       if (field->field_type() == KFT_UNIQUE_ID)
-                                           id_fields.append(field->field_name());
-                                   if (id_fields.isEmpty())
-                                       continue;
-                                   KOR_TABLE_DATA* table =
-                                       d->table(operation_error, table_schema->get_table_name());
-                                   if (!table)
-                                       return false;
-                                   for (const KOR_RECORD_DATA* record : table->records())
-                                   {
-                                       for (const QString& name : qAsConst(id_fields))
-                                       {
-                                           const KOR_FIELD_DATA* value = record->get_field_data(name);
-                                           if (!value || value->value_text().isEmpty())
-                                               continue;
-                                           KOR_RECORD_DATA entry(lookup_schema, nullptr, QUuid());
-                                           entry.add_field_data(id_field, value->m_value);
-                                           entry.add_field_data(table_field, table_schema->get_table_name());
-                                           entry.add_field_data(key_field, record->key());
-                                           if (!d->add_record(operation_error, lookup_table, entry))
-                                               return false;
-                                       }
-                                   }
-                               }
-                               return true;
-                           });
+    const bool ok = d->run(error, [&](QString& operation_error) {
+        KOR_TABLE_DATA* lookups = d->table(operation_error, lookup_table);
+        if (!lookups)
+            return false;
+        const QList<KOR_RECORD_DATA*> old_records = lookups->records().values();
+        for (KOR_RECORD_DATA* record : old_records)
+            if (!d->remove_record(operation_error, lookup_table, record))
+                return false;
+        for (const KOR_TABLE_SCHEMA* table_schema : d->schema->table_schemas())
+        {
+            if (table_schema == lookup_schema)
+                continue;
+            QStringList id_fields;
+            for (const KOR_FIELD_SCHEMA* field : table_schema->field_schemas())
+                if (field->field_type() == KFT_UNIQUE_ID)
+                    id_fields.append(field->field_name());
+            if (id_fields.isEmpty())
+                continue;
+            KOR_TABLE_DATA* table = d->table(operation_error, table_schema->get_table_name());
+            if (!table)
+                return false;
+            for (const KOR_RECORD_DATA* record : table->records())
+            {
+                for (const QString& name : qAsConst(id_fields))
+                {
+                    const KOR_FIELD_DATA* value = record->get_field_data(name);
+                    if (!value || value->value_text().isEmpty())
+                        continue;
+                    KOR_RECORD_DATA entry(lookup_schema, nullptr, QUuid());
+                    entry.add_field_data(id_field, value->m_value);
+                    entry.add_field_data(table_field, table_schema->get_table_name());
+                    entry.add_field_data(key_field, record->key());
+                    if (!d->add_record(operation_error, lookup_table, entry))
+                        return false;
+                }
+            }
+        }
+        return true;
+    });
     if (!ok)
         d->report(error, PROGRESS_CALLBACK::SEVERITY_ERROR);
 }

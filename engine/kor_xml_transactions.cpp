@@ -131,8 +131,7 @@ bool KOR_XML_QUERY_INTERFACE_PRIVATE::commit(QString& error)
 
     // A file that changed on disk since it was read would be overwritten
     // with stale data: refuse instead.
-    auto changed_on_disk = [&](const QString& relative, const KOR_FILE_SIGNATURE& known)
-    {
+    auto changed_on_disk = [&](const QString& relative, const KOR_FILE_SIGNATURE& known) {
         const KOR_FILE_SIGNATURE now = KOR_FILE_SIGNATURE::of(QDir(path).filePath(relative));
         if (now == known)
             return false;
@@ -154,9 +153,9 @@ bool KOR_XML_QUERY_INTERFACE_PRIVATE::commit(QString& error)
             return false;
         emit q->progressUpdate(QStringLiteral("Writing table %1").arg(name));
         const KOR_TABLE_DATA* data = it->second.data.get();
-        if (!files.stage(error, relative,
-                         [data](QIODevice& device, QString& write_error)
-                         { return KOR_TABLE_IO::write_table(write_error, device, *data); }))
+        if (!files.stage(error, relative, [data](QIODevice& device, QString& write_error) {
+                return KOR_TABLE_IO::write_table(write_error, device, *data);
+            }))
             return fail(error, error);
     }
     for (const QString& name : qAsConst(schema_tables))
@@ -260,48 +259,41 @@ void KOR_XML_QUERY_INTERFACE::terminate_transaction()
 
 bool KOR_XML_QUERY_INTERFACE::save_table(QString& error, const QString& table_name)
 {
-    return d->run(error,
-                  [this, &table_name](QString& operation_error)
-                  {
-                      if (!d->table(operation_error, table_name))
-                          return false;
-                      d->mark_data_dirty(table_name);
-                      return true;
-                  });
+    return d->run(error, [this, &table_name](QString& operation_error) {
+        if (!d->table(operation_error, table_name))
+            return false;
+        d->mark_data_dirty(table_name);
+        return true;
+    });
 }
 
 bool KOR_XML_QUERY_INTERFACE::save_table(QString& error, const QString& table_name,
                                          const KOR_TABLE_DATA& data)
 {
-    return d->run(error,
-                  [this, &table_name, &data](QString& operation_error)
-                  {
-                      KOR_TABLE_DATA* table = d->table(operation_error, table_name);
-                      if (!table)
-                          return false;
-                      const QList<KOR_RECORD_DATA*> existing = table->records().values();
-                      for (KOR_RECORD_DATA* record : existing)
-                          if (!d->remove_record(operation_error, table_name, record))
-                              return false;
-                      for (const KOR_RECORD_DATA* record : data.records())
-                          if (!d->add_record(operation_error, table_name, *record))
-                              return false;
-                      d->mark_data_dirty(table_name);
-                      return true;
-                  });
+    return d->run(error, [this, &table_name, &data](QString& operation_error) {
+        KOR_TABLE_DATA* table = d->table(operation_error, table_name);
+        if (!table)
+            return false;
+        const QList<KOR_RECORD_DATA*> existing = table->records().values();
+        for (KOR_RECORD_DATA* record : existing)
+            if (!d->remove_record(operation_error, table_name, record))
+                return false;
+        for (const KOR_RECORD_DATA* record : data.records())
+            if (!d->add_record(operation_error, table_name, *record))
+                return false;
+        d->mark_data_dirty(table_name);
+        return true;
+    });
 }
 
 bool KOR_XML_QUERY_INTERFACE::save_schema(QString& error, const QString& table_name)
 {
-    return d->run(error,
-                  [this, &table_name](QString& operation_error)
-                  {
-                      if (!d->table_schema(table_name))
-                          return d->fail(operation_error,
-                                         QStringLiteral("Unknown table '%1'").arg(table_name));
-                      d->mark_schema_dirty(table_name);
-                      return true;
-                  });
+    return d->run(error, [this, &table_name](QString& operation_error) {
+        if (!d->table_schema(table_name))
+            return d->fail(operation_error, QStringLiteral("Unknown table '%1'").arg(table_name));
+        d->mark_schema_dirty(table_name);
+        return true;
+    });
 }
 
 bool KOR_XML_QUERY_INTERFACE::save_schema(QString& error, const KOR_TABLE_SCHEMA& schema)
@@ -313,29 +305,25 @@ bool KOR_XML_QUERY_INTERFACE::save_schema(QString& error, const KOR_TABLE_SCHEMA
 void KOR_XML_QUERY_INTERFACE::write_out_tables_with_uuids()
 {
     QString error;
-    if (!d->run(error,
-                [this](QString& operation_error)
-                {
-                    for (const QString& name : d->schema->table_schemas().keys())
-                    {
-                        if (!d->table(operation_error, name))
-                            return false;
-                        d->mark_data_dirty(name);
-                    }
-                    return true;
-                }))
+    if (!d->run(error, [this](QString& operation_error) {
+            for (const QString& name : d->schema->table_schemas().keys())
+            {
+                if (!d->table(operation_error, name))
+                    return false;
+                d->mark_data_dirty(name);
+            }
+            return true;
+        }))
         d->report(error, PROGRESS_CALLBACK::SEVERITY_ERROR);
 }
 
 void KOR_XML_QUERY_INTERFACE::write_out_schemas_with_field_uuids()
 {
     QString error;
-    if (!d->run(error,
-                [this](QString&)
-                {
-                    for (const QString& name : d->schema->table_schemas().keys())
-                        d->mark_schema_dirty(name);
-                    return true;
-                }))
+    if (!d->run(error, [this](QString&) {
+            for (const QString& name : d->schema->table_schemas().keys())
+                d->mark_schema_dirty(name);
+            return true;
+        }))
         d->report(error, PROGRESS_CALLBACK::SEVERITY_ERROR);
 }

@@ -1,19 +1,25 @@
-// The query members of KOR_XML_QUERY_INTERFACE: saved queries and the
-// simple SQL. The saved queries are read on connect (KOR_QUERY_STORE, held in
-// the interface's private state) and statements run through parser, binder
-// and executor.
+// The query members of KOR_XML_QUERY_INTERFACE and of its private state:
+// saved queries, read on connect into the query state, and the simple SQL,
+// run through parser, binder and executor.
 #include "kor_xml_query_interface.h"
 #include "kor_xml_query_interface_p.h"
 
 #include "kor_query_results.h"
 #include "kor_query_schema.h"
+#include "kor_query_state.h"
 #include "kor_query_store.h"
 #include "kor_sql_binder.h"
 #include "kor_sql_executor.h"
 #include "kor_sql_parser.h"
+#include "progress_callback.h"
 
 namespace
 {
+void destroy_state(KOR_QUERY_STATE* state)
+{
+    delete state;
+}
+
 bool run_statement(const KOR_XML_QUERY_INTERFACE& database, QString& error, KOR_QUERY_RESULTS& results,
                    const QString& sql)
 {
@@ -37,20 +43,38 @@ bool run_statement(const KOR_XML_QUERY_INTERFACE& database, QString& error, KOR_
 }
 }
 
+QString KOR_XML_QUERY_INTERFACE_PRIVATE::open_queries()
+{
+    if (!query_state)
+        query_state = std::unique_ptr<KOR_QUERY_STATE, void (*)(KOR_QUERY_STATE*)>(new KOR_QUERY_STATE, &destroy_state);
+    QStringList warnings;
+    query_state->saved_queries.load(path, warnings);
+    for (const QString& warning : qAsConst(warnings))
+        report(warning, PROGRESS_CALLBACK::SEVERITY_WARNING);
+    // A damaged query file costs the saved queries, never the connection.
+    return QString();
+}
+
+void KOR_XML_QUERY_INTERFACE_PRIVATE::close_queries()
+{
+    if (query_state)
+        query_state->saved_queries.clear();
+}
+
 QMap<QString, KOR_QUERY_SCHEMA*> KOR_XML_QUERY_INTERFACE::get_query_schemas() const
 {
-    return d->queries.queries();
+    return d->query_state ? d->query_state->saved_queries.queries() : QMap<QString, KOR_QUERY_SCHEMA*>();
 }
 
 KOR_QUERY_SCHEMA* KOR_XML_QUERY_INTERFACE::get_query_schema(const QString& query_name) const
 {
-    return d->queries.query(query_name);
+    return d->query_state ? d->query_state->saved_queries.query(query_name) : nullptr;
 }
 
 bool KOR_XML_QUERY_INTERFACE::get_query_data(QString& error, KOR_QUERY_RESULTS& results,
                                              const QString& query_name) const
 {
-    const KOR_QUERY_SCHEMA* query = d->queries.query(query_name);
+    const KOR_QUERY_SCHEMA* query = get_query_schema(query_name);
     if (!query)
     {
         results.clear();

@@ -1,5 +1,6 @@
 #include "veld_data.h"
 
+#include "kor_db_file.h"
 #include "kor_xml_query_interface.h"
 #include "project_path_set.h"
 #include "prompt.h"
@@ -65,7 +66,10 @@ void VELD_DATA::work_out_paths()
     }
 
     if (m_read_only_offline)
+    {
+        KOR_DB_FILE::set_single_db_mode(true);
         m_connect_path = override_path.isEmpty() ? m_binaries_path + QStringLiteral("/db") : override_path;
+    }
 
     if (!m_read_only_offline && !QDir(m_connect_path).exists())
         emit statusUpdate(QStringLiteral("Connect path '") + m_connect_path +
@@ -366,6 +370,33 @@ bool VELD_DATA::confirm_closing(QWidget* parent, const std::function<bool()>& an
         return answer != QMessageBox::No;
     }
     return true;
+}
+
+// --- Shelving
+
+bool VELD_DATA::shelve(const QString& name, bool delete_local)
+{
+    return KOR_DB_FILE::shelve_db(m_connect_path, name, this, delete_local);
+}
+
+bool VELD_DATA::unshelve(const QString& name, bool delete_shelf)
+{
+    return KOR_DB_FILE::unshelve_db(m_connect_path, name, this, delete_shelf);
+}
+
+bool VELD_DATA::delete_shelved(const QString& name)
+{
+    return KOR_DB_FILE::delete_shelved_db(m_connect_path, name, this);
+}
+
+QStringList VELD_DATA::shelved_databases() const
+{
+    return KOR_DB_FILE::shelved_dbs(m_connect_path);
+}
+
+bool VELD_DATA::local_database_has_changes() const
+{
+    return KOR_DB_FILE::local_db_exists_with_changes(m_connect_path);
 }
 
 bool VELD_DATA::is_trigger_table(const QString& table_name)

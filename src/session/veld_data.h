@@ -5,6 +5,7 @@
 #include <QtCore/QMap>
 #include <QtCore/QObject>
 #include <QtCore/QString>
+#include <QtCore/QStringList>
 #include <QtCore/QVariant>
 #include <QtCore/QVector>
 
@@ -115,6 +116,14 @@ public:
     // question decides; otherwise, when any_unsaved_forms answers true, the
     // user is asked (default No).
     bool confirm_closing(QWidget* parent, const std::function<bool()>& any_unsaved_forms);
+
+    // --- Shelving: named copies of the local changes of the connect path,
+    // with this session as the progress sink.
+    bool shelve(const QString& name, bool delete_local);
+    bool unshelve(const QString& name, bool delete_shelf);
+    bool delete_shelved(const QString& name);
+    QStringList shelved_databases() const;
+    bool local_database_has_changes() const;
 
     // The four trigger tables, which the submit path treats apart.
     static bool is_trigger_table(const QString& table_name);

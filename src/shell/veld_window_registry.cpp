@@ -4,6 +4,7 @@
 #include "veld_form_type.h"
 #include "veld_pending_changes_form.h"
 
+#include <QtCore/QDataStream>
 #include <QtWidgets/QMdiArea>
 #include <QtWidgets/QMdiSubWindow>
 
@@ -19,6 +20,34 @@ QString already_registered()
 QString not_registered()
 {
     return QStringLiteral("Form is not registered and therefore cannot be unregistered");
+}
+
+// Puts a sub-window where the blob of QWidget::saveGeometry says. Qt's own
+// restoreGeometry treats the rectangle as a place on a screen and pushes a
+// window near the top down by a title bar's height, so a sub-window at the
+// top of the area would creep down once every time it is reopened.
+void restore_geometry(QMdiSubWindow& window, const QByteArray& blob)
+{
+    QDataStream stream(blob);
+    quint32 magic = 0;
+    quint16 major = 0;
+    quint16 minor = 0;
+    QRect frame;
+    stream >> magic >> major >> minor >> frame;
+    if (stream.status() != QDataStream::Ok || magic != 0x1D9D0CB || !frame.isValid())
+    {
+        window.restoreGeometry(blob);
+        return;
+    }
+    // A place outside an area that has since become smaller is moved back
+    // in, so that the window cannot be lost.
+    if (QMdiArea* area = window.mdiArea())
+    {
+        const QRect visible = area->viewport()->rect();
+        if (!visible.isEmpty() && !visible.contains(frame.topLeft()))
+            frame.moveTopLeft(QPoint(0, 0));
+    }
+    window.setGeometry(frame);
 }
 } // namespace
 
@@ -45,6 +74,14 @@ QMdiSubWindow* VELD_WINDOW_REGISTRY::find_form(const QString& name, int type) co
     if (forms == m_forms.constEnd())
         return nullptr;
     return forms->value(name).data();
+}
+
+bool VELD_WINDOW_REGISTRY::holds(const QString& name, int type, const QWidget* contents) const
+{
+    const QMdiSubWindow* window = find_form(name, type);
+    // Compared through the parent: a form asks this from its destructor too,
+    // while its sub-window is being destroyed.
+    return window && contents && (window == contents || contents->parentWidget() == window);
 }
 
 bool VELD_WINDOW_REGISTRY::any_of_type(int type) const
@@ -114,7 +151,7 @@ bool VELD_WINDOW_REGISTRY::register_form(QString& error, const QString& name, in
         ORBIN_SETTINGS settings(QString::fromLatin1(GEOMETRIES));
         const QByteArray geometry = settings.value(name).toByteArray();
         if (!geometry.isEmpty())
-            window->restoreGeometry(geometry);
+            restore_geometry(*window, geometry);
     }
     return true;
 }

@@ -7,9 +7,8 @@
 #include <QtCore/QPointer>
 #include <QtCore/QString>
 #include <QtCore/QStringList>
-
-class QMdiArea;
-class QMdiSubWindow;
+#include <QtWidgets/QMdiArea>
+#include <QtWidgets/QMdiSubWindow>
 
 // The registry of open windows: every MDI child is known by its form type
 // (VELD_FORM_TYPE) and form name from just after it is shown until it closes.
@@ -32,6 +31,11 @@ public:
     // True when name is registered under type with a window that still exists.
     bool is_form_open(const QString& name, int type) const;
     QMdiSubWindow* find_form(const QString& name, int type) const;
+    // True when the window registered under name and type is the MDI
+    // sub-window that holds `contents`. A form asks this before it
+    // unregisters, so that a second copy whose registration was refused never
+    // takes the first one's entry away.
+    bool holds(const QString& name, int type, const QWidget* contents) const;
     bool any_of_type(int type) const;
     // Whether any window is registered, of any type (launchers included).
     bool any_forms() const;

@@ -41,6 +41,7 @@ private slots:
     void a_folder_without_marker_is_no_database();
     void references_to_missing_records_are_warnings_with_lines();
     void records_without_uuids_get_them();
+    void hand_made_files_with_comments_read_the_same();
 
 private:
     QString path(const QString& file) const { return m_db->path() + QLatin1Char('/') + file; }
@@ -163,6 +164,12 @@ void TST_KOR_ENGINE_BAD_INPUT::damaged_table_files_are_reported()
     QVERIFY2(error.contains(where), qPrintable(error));
     QVERIFY2(error.contains(why), qPrintable(error));
     QVERIFY(m_progress.texts(PROGRESS_CALLBACK::SEVERITY_ERROR).contains(why));
+    // Asking again answers the same without another report.
+    const int reports = m_progress.reports.size();
+    QString again;
+    QVERIFY(!m_db->query_interface().get_table_data(again, QStringLiteral("units")));
+    QCOMPARE(again, error);
+    QCOMPARE(m_progress.reports.size(), reports);
     // The rest of the database is unharmed, and the bad table cannot be written over.
     QVERIFY(m_db->query_interface().get_table_data(error, QStringLiteral("factions")));
     QVERIFY(!m_db->query_interface()
@@ -265,6 +272,23 @@ void TST_KOR_ENGINE_BAD_INPUT::records_without_uuids_get_them()
     QCOMPARE(
         m_db->query_interface().get_table_data(error, QStringLiteral("units"))->record_by_key("a")->uuid(),
         given);
+}
+
+void TST_KOR_ENGINE_BAD_INPUT::hand_made_files_with_comments_read_the_same()
+{
+    // A comment that holds an end tag must not confuse the reader.
+    write_file(path(QStringLiteral("units.xml")),
+               "\xEF\xBB\xBF" + HEADER + "<!-- made by hand -->\n<table name='units'>\n" +
+                   record(UUID_A, "    <!-- </record> -->\n    <unit>a</unit>\n    <men> 7 </men>\n") +
+                   "  <!-- between -->\n" + record(UUID_B, "    <unit>b<![CDATA[<]]>&amp;</unit>\n") +
+                   "</table>\n\n");
+    m_db->reconnect();
+    QString error;
+    const KOR_TABLE_DATA* units = m_db->query_interface().get_table_data(error, QStringLiteral("units"));
+    QVERIFY2(units, qPrintable(error));
+    QCOMPARE(units->records().keys(), QList<QString>({QStringLiteral("a"), QStringLiteral("b<&")}));
+    QCOMPARE(
+        units->record_by_key(QStringLiteral("a"))->get_field_data(QStringLiteral("men"))->m_value.toInt(), 7);
 }
 
 QTEST_GUILESS_MAIN(TST_KOR_ENGINE_BAD_INPUT)

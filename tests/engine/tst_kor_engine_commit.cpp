@@ -162,14 +162,12 @@ void TST_KOR_ENGINE_COMMIT::every_step_of_a_commit_can_fail()
         QVERIFY(copy_folder(m_template, work));
         int calls = 0;
         int faulted_step = -1;
-        KOR_FILE_COMMIT::set_fault_hook(
-            [&](KOR_FILE_COMMIT::STEP step, const QString&)
-            {
-                if (calls++ != fault_at)
-                    return KOR_FILE_COMMIT::FAULT_NONE;
-                faulted_step = step;
-                return KOR_FILE_COMMIT::FAULT(fault);
-            });
+        KOR_FILE_COMMIT::set_fault_hook([&](KOR_FILE_COMMIT::STEP step, const QString&) {
+            if (calls++ != fault_at)
+                return KOR_FILE_COMMIT::FAULT_NONE;
+            faulted_step = step;
+            return KOR_FILE_COMMIT::FAULT(fault);
+        });
         bool committed = false;
         {
             KOR_XML_QUERY_INTERFACE engine(nullptr, QString(), false, false);

@@ -65,6 +65,7 @@ private slots:
     void values_survive_a_reload_data();
     void values_survive_a_reload();
     void identical_data_writes_identical_bytes();
+    void a_table_larger_than_the_write_buffer_survives_a_reload();
     void approval_data_and_modification_time_survive_a_reload();
     void composite_keys_join_without_separator();
     void tables_load_on_first_use();
@@ -162,6 +163,41 @@ void TST_KOR_ENGINE_RECORDS::identical_data_writes_identical_bytes()
     // Records are kept in key order.
     QVERIFY(written.indexOf("elephants") < written.indexOf("hastati"));
     QVERIFY(written.indexOf("hastati") < written.indexOf("triarii"));
+}
+
+void TST_KOR_ENGINE_RECORDS::a_table_larger_than_the_write_buffer_survives_a_reload()
+{
+    TEST_DATABASE_BUILDER db(database_path());
+    db.table(QStringLiteral("things"), {TEST_FIELD::key(QStringLiteral("key"), KFT_INTEGER),
+                                        TEST_FIELD::plain(QStringLiteral("text"), KFT_TEXT)});
+    QVERIFY2(db.ok(), qPrintable(db.error()));
+    KOR_XML_QUERY_INTERFACE& engine = db.query_interface();
+    const KOR_TABLE_SCHEMA* schema = engine.get_table_schema(QStringLiteral("things"));
+    QString error;
+    QVERIFY(engine.begin_transaction(error, true));
+    // Texts of every length around the buffer's edge, with characters that
+    // are escaped or take several bytes.
+    for (int i = 0; i < 12000; ++i)
+    {
+        const QString text =
+            QString(i % 97 + 300, QLatin1Char('x')) + QStringLiteral("<&é🏛\r") + QString::number(i);
+        QVERIFY(
+            engine
+                .add_record(QStringLiteral("things"),
+                            TEST_DATABASE_BUILDER::make_record(schema, {{"key", i}, {"text", text}}).get())
+                .isEmpty());
+    }
+    QVERIFY2(engine.end_transaction(error), qPrintable(error));
+    // Larger than the writer's buffer and than the reader's slices.
+    QVERIFY(QFileInfo(database_path() + QStringLiteral("/things.xml")).size() > (4 << 20));
+    db.reconnect();
+    const KOR_TABLE_DATA* data = engine.get_table_data(error, QStringLiteral("things"));
+    QVERIFY2(data, qPrintable(error));
+    QCOMPARE(data->record_count(), 12000);
+    for (int i = 0; i < 12000; i += 7)
+        QCOMPARE(
+            data->record_by_key(QString::number(i))->get_field_data(QStringLiteral("text"))->value_text(),
+            QString(i % 97 + 300, QLatin1Char('x')) + QStringLiteral("<&é🏛\r") + QString::number(i));
 }
 
 void TST_KOR_ENGINE_RECORDS::approval_data_and_modification_time_survive_a_reload()

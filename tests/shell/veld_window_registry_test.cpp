@@ -166,6 +166,27 @@ private slots:
         delete first;
         QMdiSubWindow* second = add(new QWidget, "units", VELD_FORM_TYPE::TABLE_DATA_EDITOR);
         QCOMPARE(second->geometry(), QRect(40, 30, 321, 234));
+        // A window at the very top stays there, however often it is reopened.
+        second->setGeometry(0, 0, 200, 100);
+        QString again;
+        QVERIFY(registry.unregister_form(again, "units", VELD_FORM_TYPE::TABLE_DATA_EDITOR));
+        delete second;
+        for (int round = 0; round < 2; ++round)
+        {
+            QMdiSubWindow* reopened = add(new QWidget, "units", VELD_FORM_TYPE::TABLE_DATA_EDITOR);
+            QCOMPARE(reopened->geometry(), QRect(0, 0, 200, 100));
+            QVERIFY(registry.unregister_form(again, "units", VELD_FORM_TYPE::TABLE_DATA_EDITOR));
+            delete reopened;
+        }
+        registered.clear();
+        // A place outside a smaller area comes back in.
+        {
+            ORBIN_SETTINGS geometries("Northfold\\Quill\\Veld\\TableGeometries");
+            QMdiSubWindow probe;
+            probe.setGeometry(5000, 4000, 200, 100);
+            geometries.setValue("far", probe.saveGeometry());
+        }
+        QCOMPARE(add(new QWidget, "far", VELD_FORM_TYPE::DIALOG)->geometry(), QRect(0, 0, 200, 100));
         // Another name starts where the area puts it.
         QMdiSubWindow* other = add(new QWidget, "armies", VELD_FORM_TYPE::TABLE_DATA_EDITOR);
         QVERIFY(other->geometry() != QRect(40, 30, 321, 234));

@@ -1,0 +1,1047 @@
+#include "veld_table_data_editor.h"
+
+#include "cascade_update_dialog.h"
+#include "kor_field_schema.h"
+#include "kor_table_schema.h"
+#include "kor_xml_query_interface.h"
+#include "orbin_settings.h"
+#include "prompt.h"
+#include "qt_workarounds.h"
+#include "veld_data.h"
+#include "veld_form_type.h"
+#include "veld_frozen_columns_table.h"
+#include "veld_options.h"
+#include "veld_regex_filter_widget.h"
+#include "veld_table_data_view_delegate.h"
+#include "veld_table_layout.h"
+#include "veld_table_model_prompts.h"
+#include "veld_window_opener.h"
+#include "veld_window_registry.h"
+
+#include <QAction>
+#include <QApplication>
+#include <QCheckBox>
+#include <QCloseEvent>
+#include <QComboBox>
+#include <QDateTimeEdit>
+#include <QDoubleValidator>
+#include <QGroupBox>
+#include <QHBoxLayout>
+#include <QHeaderView>
+#include <QKeyEvent>
+#include <QLabel>
+#include <QLineEdit>
+#include <QMdiSubWindow>
+#include <QMenu>
+#include <QPushButton>
+#include <QScrollBar>
+#include <QSignalMapper>
+#include <QToolButton>
+#include <QVBoxLayout>
+#include <QWidgetAction>
+
+static void init_table_icons()
+{
+    Q_INIT_RESOURCE(tables);
+}
+
+namespace
+{
+const char* const filters_path = "Northfold\\Quill\\Veld\\Filters";
+const char* const date_format = "yyyy-MM-dd HH:mm:ss.z";
+
+// An override cursor for the length of a command, restored on every way out.
+class OVERRIDE_CURSOR
+{
+public:
+    explicit OVERRIDE_CURSOR(Qt::CursorShape shape) { QApplication::setOverrideCursor(shape); }
+    ~OVERRIDE_CURSOR() { QApplication::restoreOverrideCursor(); }
+    OVERRIDE_CURSOR(const OVERRIDE_CURSOR&) = delete;
+    OVERRIDE_CURSOR& operator=(const OVERRIDE_CURSOR&) = delete;
+};
+
+QString editor_title(const QString& key)
+{
+    return QStringLiteral("Table Data Editor - ") + key;
+}
+
+bool has_signal(const QObject* object, const char* signature)
+{
+    return object &&
+           object->metaObject()->indexOfSignal(QMetaObject::normalizedSignature(signature).constData()) >= 0;
+}
+} // namespace
+
+VELD_TABLE_DATA_EDITOR::VELD_TABLE_DATA_EDITOR(const QString& table_key, VELD_DATA* session, QWidget* parent,
+                                               bool read_only, bool check_box_row_header)
+    : QDialog(parent), m_model(table_key, session), m_session(session),
+      m_main_window(dynamic_cast<VELD_WINDOW_OPENER*>(parent) ? parent : nullptr), m_table_key(table_key),
+      m_read_only(read_only), m_check_box_row_header(check_box_row_header)
+{
+    init_table_icons();
+    m_ui.setup(this);
+    m_view = new VELD_FROZEN_COLUMNS_TABLE(nullptr, this);
+    m_view->setObjectName(QStringLiteral("tableEditor"));
+    m_view->horizontalHeader()->setSectionsMovable(true);
+    m_view->setSelectionMode(QAbstractItemView::ExtendedSelection);
+    m_ui.view_place->addWidget(m_view);
+
+    KOR_XML_QUERY_INTERFACE* query_interface = m_session ? m_session->query_interface() : nullptr;
+    if (query_interface && query_interface->is_read_only())
+        m_read_only = true;
+    setWindowTitle(editor_title(m_table_key) + (m_read_only ? QStringLiteral(" - (Read Only)") : QString()));
+
+    m_form_style_sheet = m_view->styleSheet();
+    if (VELD_OPTIONS::uses_custom_cell_style())
+        m_view->setStyleSheet(VELD_OPTIONS::cell_stylesheet());
+
+    m_model.set_questions(std::make_unique<VELD_TABLE_MODEL_PROMPTS>(m_session, this));
+    m_proxy.set_filter_widgets(&m_filter_widgets);
+}
+
+VELD_TABLE_DATA_EDITOR::~VELD_TABLE_DATA_EDITOR()
+{
+    if (m_main_window)
+    {
+        QString error;
+        if (!VELD_WINDOW_REGISTRY::instance().unregister_form(error, m_table_key,
+                                                              VELD_FORM_TYPE::TABLE_DATA_EDITOR))
+            emit statusUpdate(error);
+    }
+    delete m_view;
+    m_view = nullptr;
+    delete m_delegate;
+    m_delegate = nullptr;
+    delete m_context_menu;
+    m_context_menu = nullptr;
+}
+
+QString VELD_TABLE_DATA_EDITOR::form_name()
+{
+    return QStringLiteral("TABLE_DATA_EDITOR");
+}
+
+bool VELD_TABLE_DATA_EDITOR::has_pending_changes() const
+{
+    return m_model.has_pending_changes();
+}
+
+void VELD_TABLE_DATA_EDITOR::skip_save_question()
+{
+    m_skip_save_question = true;
+}
+
+bool VELD_TABLE_DATA_EDITOR::open(QString& error)
+{
+    if (m_opened)
+        return true;
+    if (!m_model.load(error))
+        return false;
+    m_table_schema = m_model.table_schema();
+    attach_views();
+    if (has_signal(m_main_window, "transactionApplied(QStringList)"))
+        connect(&m_model, SIGNAL(transactionApplied(QStringList)), m_main_window,
+                SIGNAL(transactionApplied(QStringList)));
+
+    // Enabling sorting sorts by the indicator: the same order the overlay
+    // sorted by, so the shared model is not sorted again.
+    m_view->horizontalHeader()->setSortIndicator(0, Qt::AscendingOrder);
+    m_view->setSortingEnabled(true);
+    m_view->setAlternatingRowColors(true);
+    m_ui.applyButton->setEnabled(!m_read_only);
+    m_ui.applyCloseButton->setEnabled(!m_read_only);
+    m_ui.showSchema->setEnabled(m_main_window != nullptr);
+    connect_form();
+
+    // The check-box row header of embedded viewers belongs to the start
+    // position tools; a plain editor keeps the model's row numbers.
+    m_delegate = new VELD_TABLE_DATA_VIEW_DELEGATE(m_session, &m_proxy, this);
+    m_delegate->set_table_data(m_model.table_data());
+    m_delegate->set_dropdown_filters(&m_dropdown_filter_widgets);
+    connect(m_delegate, &VELD_TABLE_DATA_VIEW_DELEGATE::statusUpdate, this,
+            &VELD_TABLE_DATA_EDITOR::statusUpdateProxy);
+    connect(m_delegate, &VELD_TABLE_DATA_VIEW_DELEGATE::cellEdited, this,
+            &VELD_TABLE_DATA_EDITOR::handle_multi_cell_editing);
+    QString lookup_error;
+    // A field whose choices could not be fetched gets an empty dropdown; the
+    // table itself is still worth opening.
+    if (!m_delegate->load_lookups(lookup_error))
+        emit statusUpdate(lookup_error);
+    m_view->setItemDelegate(m_delegate);
+    m_view->frozen_view()->setItemDelegate(m_delegate);
+
+    const QAbstractItemView::EditTriggers triggers =
+        m_read_only ? QAbstractItemView::NoEditTriggers
+                    : QAbstractItemView::EditTriggers(QAbstractItemView::DoubleClicked |
+                                                      QAbstractItemView::SelectedClicked |
+                                                      QAbstractItemView::AnyKeyPressed);
+    m_view->setEditTriggers(triggers);
+    m_view->frozen_view()->setEditTriggers(triggers);
+
+    m_view->sortByColumn(0, Qt::AscendingOrder);
+    restoreTableLayout();
+    restoreModificationDates();
+    build_context_menu();
+    // No filter row nor date filter is on yet: the freshly sorted proxy holds
+    // what an invalidation would give, without sorting a large table again.
+    show_counts();
+    m_opened = true;
+    return true;
+}
+
+void VELD_TABLE_DATA_EDITOR::attach_views()
+{
+    m_proxy.setSourceModel(&m_model);
+    m_view->setModel(&m_proxy);
+    m_model.set_selection_model(m_view->selectionModel());
+}
+
+void VELD_TABLE_DATA_EDITOR::detach_views()
+{
+    m_view->setModel(nullptr);
+    m_proxy.setSourceModel(nullptr);
+}
+
+void VELD_TABLE_DATA_EDITOR::connect_form()
+{
+    connect(m_ui.importButton, &QPushButton::clicked, this, &VELD_TABLE_DATA_EDITOR::onDataImport);
+    connect(m_ui.refreshButton, &QPushButton::clicked, this, &VELD_TABLE_DATA_EDITOR::onRefresh);
+    connect(m_ui.resetButton, &QPushButton::clicked, this, &VELD_TABLE_DATA_EDITOR::onReset);
+    connect(m_ui.showSchema, &QPushButton::clicked, this, &VELD_TABLE_DATA_EDITOR::onShowSchema);
+    connect(m_ui.applyButton, &QPushButton::clicked, this, &VELD_TABLE_DATA_EDITOR::onApply);
+    connect(m_ui.applyCloseButton, &QPushButton::clicked, this, &VELD_TABLE_DATA_EDITOR::onApplyAndClose);
+    connect(m_ui.addRecord, &QPushButton::clicked, this, &VELD_TABLE_DATA_EDITOR::onAddRecord);
+    connect(m_ui.removeRecords, &QPushButton::clicked, this, &VELD_TABLE_DATA_EDITOR::onRemoveRecords);
+
+    connect(m_ui.sortBy, &QComboBox::currentTextChanged, this, &VELD_TABLE_DATA_EDITOR::sortByChanged);
+    connect(m_ui.filterBy, &QComboBox::currentTextChanged, this, &VELD_TABLE_DATA_EDITOR::filterByChanged);
+    connect(m_ui.display, &QComboBox::currentTextChanged, this, &VELD_TABLE_DATA_EDITOR::displayChanged);
+    connect(m_ui.dropdownDisplay, &QComboBox::currentTextChanged, this,
+            &VELD_TABLE_DATA_EDITOR::dropdownDisplayChanged);
+
+    connect(m_ui.modificationEnabled, &QCheckBox::stateChanged, this,
+            &VELD_TABLE_DATA_EDITOR::recordModificationFilterEnabledChanged);
+    connect(m_ui.showOldRecords, &QCheckBox::stateChanged, this,
+            &VELD_TABLE_DATA_EDITOR::showOldRecordsChanged);
+    connect(m_ui.modifiedAfter, &QDateTimeEdit::dateTimeChanged, this,
+            &VELD_TABLE_DATA_EDITOR::modifiedAfterDateTimeChanged);
+    connect(m_ui.modifiedBefore, &QDateTimeEdit::dateTimeChanged, this,
+            &VELD_TABLE_DATA_EDITOR::modifiedBeforeDateTimeChanged);
+    connect(m_ui.todayButton, &QPushButton::clicked, this,
+            &VELD_TABLE_DATA_EDITOR::modifiedTodayButtonPressed);
+    connect(m_ui.saveDatesButton, &QPushButton::clicked, this,
+            &VELD_TABLE_DATA_EDITOR::saveModificationDates);
+    connect(m_ui.restoreDatesButton, &QPushButton::clicked, this,
+            &VELD_TABLE_DATA_EDITOR::restoreModificationDates);
+
+    connect(m_ui.addFilterButton, &QToolButton::clicked, this, &VELD_TABLE_DATA_EDITOR::addFilterWidget);
+    connect(m_ui.addDropdownFilterButton, &QToolButton::clicked, this,
+            &VELD_TABLE_DATA_EDITOR::addComboFilterWidget);
+
+    connect(&m_model, &VELD_TABLE_DATA_VIEW_MODEL::changedFlagUpdate, this,
+            &VELD_TABLE_DATA_EDITOR::changedFlagUpdate);
+    connect(&m_model, &VELD_TABLE_DATA_VIEW_MODEL::statusUpdate, this,
+            &VELD_TABLE_DATA_EDITOR::statusUpdateProxy);
+
+    connect(m_view, &QAbstractItemView::clicked, this, &VELD_TABLE_DATA_EDITOR::onTableEditorClicked);
+    connect(m_view->frozen_view(), &QAbstractItemView::clicked, this,
+            &VELD_TABLE_DATA_EDITOR::onTableEditorClicked);
+    connect(m_view, &VELD_FROZEN_COLUMNS_TABLE::update_description_for_field, this,
+            &VELD_TABLE_DATA_EDITOR::update_field_descrption);
+    m_view->setContextMenuPolicy(Qt::CustomContextMenu);
+    connect(m_view, &QWidget::customContextMenuRequested, this, &VELD_TABLE_DATA_EDITOR::showContextMenu);
+}
+
+void VELD_TABLE_DATA_EDITOR::build_context_menu()
+{
+    delete m_context_menu;
+    m_context_menu = new QMenu(this);
+
+    m_arithmetic_widget = new QWidget;
+    m_arithmetic_widget->setObjectName(QStringLiteral("arithmeticWidget"));
+    auto* layout = new QHBoxLayout(m_arithmetic_widget);
+    layout->setContentsMargins(4, 2, 4, 2);
+    m_arithmetic_line_edit = new QLineEdit(m_arithmetic_widget);
+    auto* validator = new QDoubleValidator(-10000.0, 10000.0, 2, m_arithmetic_line_edit);
+    m_arithmetic_line_edit->setValidator(validator);
+    m_add_button = new QPushButton(QStringLiteral("+"), m_arithmetic_widget);
+    m_add_button->setFixedSize(20, 20);
+    m_multiply_button = new QPushButton(QStringLiteral("x"), m_arithmetic_widget);
+    m_multiply_button->setFixedSize(20, 20);
+    layout->addWidget(m_arithmetic_line_edit);
+    layout->addWidget(m_add_button);
+    layout->addWidget(m_multiply_button);
+    m_arithmetic_action = new QWidgetAction(m_context_menu);
+    m_arithmetic_action->setDefaultWidget(m_arithmetic_widget);
+    m_context_menu->addAction(m_arithmetic_action);
+
+    m_arithmetic_mapper = new QSignalMapper(m_context_menu);
+    m_arithmetic_mapper->setMapping(m_add_button, 0);
+    m_arithmetic_mapper->setMapping(m_multiply_button, 1);
+    connect(m_add_button, &QPushButton::clicked, m_arithmetic_mapper, QOverload<>::of(&QSignalMapper::map));
+    connect(m_multiply_button, &QPushButton::clicked, m_arithmetic_mapper,
+            QOverload<>::of(&QSignalMapper::map));
+    connect(m_arithmetic_mapper, &QSignalMapper::mappedInt, this,
+            &VELD_TABLE_DATA_EDITOR::onArithmeticCellEditMenuRequest);
+    m_add_operator = [](double left, double right) { return left + right; };
+    m_multiply_operator = [](double left, double right) { return left * right; };
+
+    m_see_references_action = m_context_menu->addAction(QStringLiteral("See references"));
+    connect(m_see_references_action, &QAction::triggered, this,
+            &VELD_TABLE_DATA_EDITOR::onCellReferencesMenuRequest);
+    update_context_menu_state();
+}
+
+const KOR_FIELD_SCHEMA* VELD_TABLE_DATA_EDITOR::field_of_current_cell() const
+{
+    const QModelIndex current = m_view ? m_view->currentIndex() : QModelIndex();
+    if (!current.isValid() || !m_table_schema)
+        return nullptr;
+    const QString name = m_proxy.headerData(current.column(), Qt::Horizontal, Qt::DisplayRole).toString();
+    return m_table_schema->field_schema_by_name(name);
+}
+
+void VELD_TABLE_DATA_EDITOR::update_context_menu_state()
+{
+    if (!m_context_menu)
+        return;
+    const KOR_FIELD_SCHEMA* field = field_of_current_cell();
+    const int type = field ? int(field->field_type()) : 0;
+    const bool numeric = type >= KFT_INTEGER && type <= KFT_DECIMAL;
+    for (QWidget* control : {static_cast<QWidget*>(m_arithmetic_line_edit),
+                             static_cast<QWidget*>(m_add_button), static_cast<QWidget*>(m_multiply_button)})
+        control->setEnabled(numeric);
+    if (numeric)
+        m_arithmetic_widget->setFixedWidth(200);
+    const bool references = field && !field->dependents().isEmpty();
+    m_see_references_action->setVisible(references);
+    m_context_menu_active = numeric || references;
+}
+
+void VELD_TABLE_DATA_EDITOR::show_counts()
+{
+    m_ui.record_count->setText(QString::number(m_model.rowCount() - m_model.deleted_row_count()));
+    m_ui.showing->setText(QString::number(m_proxy.sourceModel() ? m_proxy.rowCount() : 0));
+}
+
+void VELD_TABLE_DATA_EDITOR::not_available(const QString& what)
+{
+    if (m_reported_unavailable.contains(what))
+        return;
+    m_reported_unavailable.append(what);
+    emit statusUpdate(what + QStringLiteral(" is not available yet"));
+}
+
+// ---------------------------------------------------------------------------
+// Colours, status and title
+
+void VELD_TABLE_DATA_EDITOR::refreshColours()
+{
+    m_view->setStyleSheet(m_form_style_sheet);
+    if (VELD_OPTIONS::uses_custom_cell_style())
+        m_view->setStyleSheet(VELD_OPTIONS::cell_stylesheet());
+    m_view->refresh_frozen_style();
+    m_view->update();
+}
+
+void VELD_TABLE_DATA_EDITOR::statusUpdateProxy(QString text)
+{
+    emit statusUpdate(text);
+}
+
+void VELD_TABLE_DATA_EDITOR::changedFlagUpdate(bool changed)
+{
+    setWindowTitle(editor_title(m_table_key) + (changed ? QStringLiteral(" *") : QString()));
+}
+
+void VELD_TABLE_DATA_EDITOR::connectionEstablished() {}
+
+// ---------------------------------------------------------------------------
+// The tools of the find, paste and import work, not there yet
+
+void VELD_TABLE_DATA_EDITOR::handle_multi_cell_editing(const QString& value)
+{
+    Q_UNUSED(value)
+    if (m_view->selectionModel() && m_view->selectionModel()->selectedIndexes().size() >= 2)
+        not_available(QStringLiteral("Typing into several selected cells"));
+}
+
+void VELD_TABLE_DATA_EDITOR::handle_multi_cell_arithmetic(
+    double value, std::function<double(double, double)> custom_operator)
+{
+    Q_UNUSED(value)
+    Q_UNUSED(custom_operator)
+    not_available(QStringLiteral("Arithmetic on selected cells"));
+}
+
+void VELD_TABLE_DATA_EDITOR::handle_multi_cell_arithmetic(double value)
+{
+    handle_multi_cell_arithmetic(value, std::function<double(double, double)>());
+}
+
+void VELD_TABLE_DATA_EDITOR::onDataImport()
+{
+    not_available(QStringLiteral("CSV import"));
+}
+
+void VELD_TABLE_DATA_EDITOR::onSearchNextStringInstance(const QString& search_text,
+                                                        const QString& search_field, int search_direction,
+                                                        bool search_underlying)
+{
+    Q_UNUSED(search_text)
+    Q_UNUSED(search_field)
+    Q_UNUSED(search_direction)
+    Q_UNUSED(search_underlying)
+    not_available(QStringLiteral("Find and replace"));
+}
+
+void VELD_TABLE_DATA_EDITOR::onReplaceCurrentOrNext(const QString& search_string,
+                                                    const QString& replace_string,
+                                                    const QString& search_column, int search_direction,
+                                                    bool search_underlying)
+{
+    Q_UNUSED(search_string)
+    Q_UNUSED(replace_string)
+    Q_UNUSED(search_column)
+    Q_UNUSED(search_direction)
+    Q_UNUSED(search_underlying)
+    not_available(QStringLiteral("Find and replace"));
+}
+
+void VELD_TABLE_DATA_EDITOR::onReplaceAll(const QString& search_string, const QString& replace_string,
+                                          const QString& search_column, int search_direction,
+                                          bool search_underlying)
+{
+    Q_UNUSED(search_string)
+    Q_UNUSED(replace_string)
+    Q_UNUSED(search_column)
+    Q_UNUSED(search_direction)
+    Q_UNUSED(search_underlying)
+    not_available(QStringLiteral("Find and replace"));
+}
+
+// ---------------------------------------------------------------------------
+// Context menu
+
+void VELD_TABLE_DATA_EDITOR::showContextMenu(const QPoint& position)
+{
+    if (!m_context_menu_active || !m_context_menu)
+        return;
+    prompt::exec(*m_context_menu, m_view->viewport()->mapToGlobal(position));
+    m_arithmetic_line_edit->clear();
+    m_arithmetic_line_edit->setFocus();
+}
+
+void VELD_TABLE_DATA_EDITOR::onArithmeticCellEditMenuRequest(int operation)
+{
+    bool ok = false;
+    const double value = m_arithmetic_line_edit->text().toDouble(&ok);
+    if (ok)
+        handle_multi_cell_arithmetic(value, operation == 0 ? m_add_operator : m_multiply_operator);
+    m_context_menu->close();
+}
+
+void VELD_TABLE_DATA_EDITOR::onCellReferencesMenuRequest()
+{
+    const KOR_FIELD_SCHEMA* field = field_of_current_cell();
+    KOR_XML_QUERY_INTERFACE* query_interface = m_model.query_interface();
+    if (!field || !query_interface)
+        return;
+    QMap<QString, QSet<QString>> references;
+    query_interface->dependents_of_field_using_value(references, field,
+                                                     m_view->currentIndex().data(Qt::EditRole));
+    CASCADE_UPDATE_DIALOG dialog(m_session, references, this, true);
+    connect(&dialog, &CASCADE_UPDATE_DIALOG::statusUpdate, this, &VELD_TABLE_DATA_EDITOR::statusUpdateProxy);
+    prompt::exec(dialog);
+}
+
+// ---------------------------------------------------------------------------
+// Following relationships
+
+void VELD_TABLE_DATA_EDITOR::onTableEditorClicked(const QModelIndex& index)
+{
+    if (QApplication::keyboardModifiers() == Qt::AltModifier)
+        follow_relationship(index);
+    update_context_menu_state();
+}
+
+void VELD_TABLE_DATA_EDITOR::follow_relationship(const QModelIndex& index)
+{
+    Q_UNUSED(index)
+    const KOR_FIELD_SCHEMA* field = field_of_current_cell();
+    if (!field || !field->dependency())
+        return;
+    const QString target = field->dependency()->first;
+    KOR_XML_QUERY_INTERFACE* query_interface = m_model.query_interface();
+    bool read_only = false;
+    VELD_WINDOW_REGISTRY& registry = VELD_WINDOW_REGISTRY::instance();
+    if (query_interface && !registry.is_form_open(target, VELD_FORM_TYPE::TABLE_DATA_EDITOR))
+    {
+        QSet<QString> related;
+        query_interface->add_dependent_tables_to_set(related, m_table_key);
+        query_interface->add_dependency_tables_to_set(related, m_table_key);
+        related.remove(m_table_key);
+        QStringList names = related.values();
+        names.sort();
+        const QStringList open = registry.open_forms(names, VELD_FORM_TYPE::TABLE_DATA_EDITOR);
+        if (!open.isEmpty())
+            read_only =
+                prompt::question(this, QStringLiteral("Related Tables Open"),
+                                 QStringLiteral("Open this table in read-only mode?\n\n") + open.join("\n"),
+                                 QMessageBox::Yes | QMessageBox::No, QMessageBox::No) == QMessageBox::Yes;
+    }
+    focus_on_row_in_table(target, m_view->currentIndex().data(Qt::EditRole).toString(), read_only);
+}
+
+VELD_TABLE_DATA_EDITOR* VELD_TABLE_DATA_EDITOR::open_editor_of(const QString& table, bool read_only,
+                                                               QString& error)
+{
+    VELD_WINDOW_REGISTRY& registry = VELD_WINDOW_REGISTRY::instance();
+    if (registry.is_form_open(table, VELD_FORM_TYPE::TABLE_DATA_EDITOR))
+    {
+        registry.raise_form(table, VELD_FORM_TYPE::TABLE_DATA_EDITOR);
+        QMdiSubWindow* window = registry.find_form(table, VELD_FORM_TYPE::TABLE_DATA_EDITOR);
+        return window ? dynamic_cast<VELD_TABLE_DATA_EDITOR*>(window->widget()) : nullptr;
+    }
+    if (table == m_table_key)
+        return this;
+    auto* opener = dynamic_cast<VELD_WINDOW_OPENER*>(m_main_window);
+    if (!opener)
+        return nullptr;
+    QMdiSubWindow* window = opener->open_table_data_editor(table, error, read_only);
+    return window ? dynamic_cast<VELD_TABLE_DATA_EDITOR*>(window->widget()) : nullptr;
+}
+
+void VELD_TABLE_DATA_EDITOR::focus_on_row_in_table(const QString& target_table, const QString& key_text,
+                                                   bool read_only)
+{
+    QString error;
+    VELD_TABLE_DATA_EDITOR* target = open_editor_of(target_table, read_only, error);
+    if (!target)
+    {
+        if (!error.isEmpty())
+            emit statusUpdate(error);
+        return;
+    }
+    if (!target->m_table_schema)
+        return;
+    for (const QString& field : target->m_table_schema->primary_key_fields())
+    {
+        if (target->search_in_column(key_text, field, 1, false))
+            break;
+    }
+}
+
+bool VELD_TABLE_DATA_EDITOR::search_in_column(const QString& text, const QString& field, int direction,
+                                              bool underlying)
+{
+    m_search_text = text;
+    m_search_underlying = underlying;
+    const QString needle = text.toLower();
+    const int column = m_table_schema ? m_table_schema->column_ordering().indexOf(field) : -1;
+    const int rows = m_proxy.sourceModel() ? m_proxy.rowCount() : 0;
+    if (column >= 0 && rows > 0)
+    {
+        const QModelIndex current = m_view->currentIndex();
+        const bool selection = m_view->selectionModel() && m_view->selectionModel()->hasSelection();
+        const int start = selection && current.isValid() ? current.row() : 0;
+        const int step = (direction == 0 || direction == 2) ? -1 : 1;
+        // Bounded: each row of the column is tested once, the start row last.
+        int row = start;
+        do
+        {
+            row = (row + step + rows) % rows;
+            const QModelIndex cell = m_proxy.index(row, column);
+            const QString cell_text =
+                cell.data(underlying ? Qt::EditRole : Qt::DisplayRole).toString().toLower();
+            if (cell_text.contains(needle))
+            {
+                m_view->selectionModel()->clearSelection();
+                m_view->selectionModel()->setCurrentIndex(cell, QItemSelectionModel::ClearAndSelect);
+                m_view->scrollTo(cell);
+                return true;
+            }
+        } while (row != start);
+    }
+    prompt::information(this, QStringLiteral("Find"), QStringLiteral("Search text was not found"));
+    return false;
+}
+
+// ---------------------------------------------------------------------------
+// How values show, sort and filter
+
+void VELD_TABLE_DATA_EDITOR::sortByChanged(const QString& sortBy)
+{
+    m_proxy.set_sort_on_display_text(sortBy != QLatin1String("Underlying") ? 1 : 0);
+    m_proxy.invalidate();
+}
+
+void VELD_TABLE_DATA_EDITOR::filterByChanged(const QString& filterBy)
+{
+    m_proxy.set_filter_on_display_text(filterBy != QLatin1String("Underlying") ? 1 : 0);
+    m_proxy.invalidate();
+    show_counts();
+}
+
+void VELD_TABLE_DATA_EDITOR::displayChanged(const QString& display)
+{
+    m_model.set_display_lookups(display != QLatin1String("Underlying"));
+}
+
+void VELD_TABLE_DATA_EDITOR::dropdownDisplayChanged(const QString& display)
+{
+    if (m_delegate)
+        m_delegate->set_dropdown_shows_display_text(display != QLatin1String("Underlying"));
+}
+
+// ---------------------------------------------------------------------------
+// Refresh, reset, apply
+
+QString VELD_TABLE_DATA_EDITOR::get_selected_key()
+{
+    const QModelIndex current = m_view->currentIndex();
+    if (!current.isValid())
+        return QString();
+    const int row = m_proxy.mapToSource(current).row();
+    if (m_model.is_new_row(row))
+        return VELD_TABLE_DATA_VIEW_MODEL::new_record_key;
+    return m_model.record_key(row);
+}
+
+void VELD_TABLE_DATA_EDITOR::save_cursor_position()
+{
+    m_saved_cursor_key = get_selected_key();
+}
+
+void VELD_TABLE_DATA_EDITOR::restore_cursor_position()
+{
+    if (m_saved_cursor_key == VELD_TABLE_DATA_VIEW_MODEL::new_record_key)
+    {
+        m_view->scrollToBottom();
+        return;
+    }
+    const int row = m_saved_cursor_key.isEmpty() ? -1 : m_model.row_of_key(m_saved_cursor_key);
+    if (row < 0 || !m_proxy.sourceModel())
+        return;
+    const QModelIndex index = m_proxy.mapFromSource(m_model.index(row, 0));
+    if (!index.isValid())
+        return;
+    m_view->selectionModel()->select(index, QItemSelectionModel::SelectionFlags(34));
+    m_view->scrollTo(index, QAbstractItemView::ScrollHint(3));
+    m_view->setFocus();
+}
+
+bool VELD_TABLE_DATA_EDITOR::refresh_model(bool keep_editor_data)
+{
+    const int sort_column = m_proxy.sortColumn();
+    const Qt::SortOrder sort_order = m_proxy.sortOrder();
+    detach_views();
+    m_model.refresh(keep_editor_data);
+    m_table_schema = m_model.table_schema();
+    QString error;
+    if (m_delegate)
+    {
+        m_delegate->set_table_data(m_model.table_data());
+        if (!m_delegate->load_lookups(error))
+        {
+            emit statusUpdate(error);
+            prompt::critical(this, QStringLiteral("Table Data Editor"),
+                             QStringLiteral("Unable to refresh lookup values"));
+            return false;
+        }
+    }
+    attach_views();
+    // Detaching forgot the order; the user's sort stays.
+    if (sort_column >= 0)
+        m_view->sortByColumn(sort_column, sort_order);
+    m_proxy.invalidate();
+    show_counts();
+    return true;
+}
+
+void VELD_TABLE_DATA_EDITOR::onRefresh()
+{
+    OVERRIDE_CURSOR busy(Qt::BusyCursor);
+    save_cursor_position();
+    saveTableLayout();
+    refresh_model(true);
+    restore_cursor_position();
+    restoreTableLayout();
+    m_proxy.invalidate();
+    show_counts();
+}
+
+void VELD_TABLE_DATA_EDITOR::onReset()
+{
+    if (prompt::question(this, QStringLiteral("Table Data Editor"),
+                         QStringLiteral("Do you really wish to cancel unapplied changes?"),
+                         QMessageBox::Yes | QMessageBox::No, QMessageBox::No) != QMessageBox::Yes)
+        return;
+    OVERRIDE_CURSOR busy(Qt::BusyCursor);
+    save_cursor_position();
+    refresh_model(false);
+    restore_cursor_position();
+    restoreTableLayout();
+    m_proxy.invalidate();
+    show_counts();
+}
+
+void VELD_TABLE_DATA_EDITOR::onApply()
+{
+    if (m_read_only)
+        return;
+    save_cursor_position();
+    // A failed apply keeps every pending change: the reload that would drop
+    // them runs only after a commit.
+    const bool applied = m_model.apply_changes() && refresh_model(false);
+    if (applied)
+    {
+        restore_cursor_position();
+        restoreTableLayout();
+        m_proxy.invalidate();
+        show_counts();
+        changedFlagUpdate(false);
+        prompt::information(this, QStringLiteral("Table Data Editor"),
+                            QStringLiteral("Changes applied successfully"));
+    }
+    else
+    {
+        prompt::critical(this, QStringLiteral("Table Data Editor"),
+                         QStringLiteral("Failed to apply changes! Check the status bar for detalis."));
+    }
+}
+
+void VELD_TABLE_DATA_EDITOR::onApplyAndClose()
+{
+    if (m_read_only)
+        return;
+    if (!m_model.apply_changes())
+        return;
+    m_closing_after_apply = true;
+    VELD_WINDOW_REGISTRY& registry = VELD_WINDOW_REGISTRY::instance();
+    if (registry.is_form_open(m_table_key, VELD_FORM_TYPE::TABLE_DATA_EDITOR))
+        registry.close_form(m_table_key, VELD_FORM_TYPE::TABLE_DATA_EDITOR);
+    else
+        close();
+}
+
+void VELD_TABLE_DATA_EDITOR::onShowSchema()
+{
+    auto* opener = dynamic_cast<VELD_WINDOW_OPENER*>(m_main_window);
+    if (!opener)
+        return;
+    OVERRIDE_CURSOR wait(Qt::WaitCursor);
+    if (VELD_WINDOW_REGISTRY::instance().is_form_open(m_table_key, VELD_FORM_TYPE::SCHEMA_EDITOR))
+    {
+        emit statusUpdate(
+            QStringLiteral("The '") + m_table_key +
+            QStringLiteral("' schema editing form is already open, cannot open another instance"));
+        return;
+    }
+    QString error;
+    if (!opener->open_table_schema_editor(m_table_key, error, true))
+        emit statusUpdate(error);
+}
+
+// ---------------------------------------------------------------------------
+// Records
+
+void VELD_TABLE_DATA_EDITOR::onAddRecord()
+{
+    if (m_read_only)
+        return;
+    m_model.add_record();
+    m_view->update_frozen_geometry();
+    m_view->scrollToBottom();
+    show_counts();
+}
+
+void VELD_TABLE_DATA_EDITOR::onRemoveRecords()
+{
+    if (m_read_only)
+        return;
+    if (prompt::question(this, QStringLiteral("Orbin"),
+                         QStringLiteral("Are you sure you wish to delete the selected records?"),
+                         QMessageBox::Yes | QMessageBox::No, QMessageBox::No) == QMessageBox::Yes)
+    {
+        // The selected rows through the selection's ranges, not a walk over
+        // every cell of the table: tables run to a million rows.
+        QSet<int> source_rows;
+        const QItemSelection selection = m_view->selectionModel()->selection();
+        for (const QItemSelectionRange& range : selection)
+        {
+            for (int row = range.top(); row <= range.bottom(); ++row)
+                source_rows.insert(m_proxy.mapToSource(m_proxy.index(row, range.left())).row());
+        }
+        QList<int> ordered = source_rows.values();
+        std::sort(ordered.begin(), ordered.end());
+        for (int row : qAsConst(ordered))
+            m_model.remove_record(row);
+    }
+    m_view->update_frozen_geometry();
+    show_counts();
+}
+
+void VELD_TABLE_DATA_EDITOR::update_field_descrption(int column_index)
+{
+    const QString field = m_proxy.headerData(column_index, Qt::Horizontal, Qt::DisplayRole).toString();
+    if (field.isEmpty())
+        return;
+    const QString current = m_model.field_description(field);
+    bool ok = false;
+    const QString text =
+        prompt::get_text(this, QStringLiteral("New Description for '") + field + QStringLiteral("'"),
+                         QStringLiteral("Description:"), QLineEdit::Normal, current, &ok);
+    if (ok && text != current)
+        m_model.set_field_description(field, text);
+}
+
+// ---------------------------------------------------------------------------
+// Filter rows
+
+void VELD_TABLE_DATA_EDITOR::addFilterWidget()
+{
+    auto* widget = new VELD_RegexFilterWidget(
+        m_table_schema ? m_table_schema->column_ordering() : QStringList(), m_ui.filtersPanel);
+    m_filter_widgets.append(widget);
+    m_ui.filterRows->addWidget(widget);
+    connect(widget, &VELD_RegexFilterWidget::removeRequest, this,
+            &VELD_TABLE_DATA_EDITOR::removeFilterWidget);
+    connect(widget, &VELD_RegexFilterWidget::filterChanged, this, &VELD_TABLE_DATA_EDITOR::onFilterChanged);
+    widget->show();
+    m_ui.fit_filter_panels();
+    m_proxy.invalidate();
+}
+
+void VELD_TABLE_DATA_EDITOR::removeFilterWidget(VELD_RegexFilterWidget* widget)
+{
+    if (!m_filter_widgets.removeAll(widget))
+        return;
+    m_ui.filterRows->removeWidget(widget);
+    widget->hide();
+    m_ui.fit_filter_panels();
+    // The row asked for its own removal from one of its slots: it goes once
+    // that returns.
+    widget->deleteLater();
+    // The expression points at its rows: built again without this one before
+    // any row is tested.
+    onFilterChanged();
+}
+
+void VELD_TABLE_DATA_EDITOR::addComboFilterWidget()
+{
+    auto* widget = new VELD_RegexFilterWidget(
+        m_table_schema ? m_table_schema->column_ordering() : QStringList(), m_ui.dropdownFiltersPanel);
+    widget->set_bracket_and_join_controls_visible(false);
+    m_dropdown_filter_widgets.append(widget);
+    m_ui.dropdownFilterRows->addWidget(widget);
+    connect(widget, &VELD_RegexFilterWidget::removeRequest, this,
+            &VELD_TABLE_DATA_EDITOR::removeComboFilterWidget);
+    widget->show();
+    m_ui.fit_filter_panels();
+    m_proxy.invalidate();
+}
+
+void VELD_TABLE_DATA_EDITOR::removeComboFilterWidget(VELD_RegexFilterWidget* widget)
+{
+    if (!m_dropdown_filter_widgets.removeAll(widget))
+        return;
+    m_ui.dropdownFilterRows->removeWidget(widget);
+    widget->hide();
+    m_ui.fit_filter_panels();
+    widget->deleteLater();
+}
+
+void VELD_TABLE_DATA_EDITOR::onFilterChanged()
+{
+    const QString warning = m_proxy.build_filter_tree();
+    m_ui.filterExpression->setText(m_proxy.filter_expression_text() + QLatin1Char('\t'));
+    m_ui.filterWarning->setText(warning);
+    m_proxy.invalidate();
+    show_counts();
+}
+
+// ---------------------------------------------------------------------------
+// Modification dates
+
+void VELD_TABLE_DATA_EDITOR::recordModificationFilterEnabledChanged(int enabled_state)
+{
+    m_proxy.set_date_filter_on(enabled_state == Qt::Checked);
+    m_proxy.invalidate();
+    show_counts();
+    emit modifiedFilterUpdated();
+}
+
+void VELD_TABLE_DATA_EDITOR::showOldRecordsChanged(int enabledState)
+{
+    m_proxy.set_show_old_records(enabledState == Qt::Checked);
+    m_proxy.invalidate();
+    show_counts();
+    emit modifiedFilterUpdated();
+}
+
+void VELD_TABLE_DATA_EDITOR::modifiedBeforeDateTimeChanged(const QDateTime& newDate)
+{
+    m_proxy.set_modified_before(newDate.toMSecsSinceEpoch());
+    if (m_proxy.date_filter_on())
+        m_proxy.invalidate();
+    show_counts();
+    emit modifiedFilterUpdated();
+}
+
+void VELD_TABLE_DATA_EDITOR::modifiedAfterDateTimeChanged(const QDateTime& newDate)
+{
+    m_proxy.set_modified_after(newDate.toMSecsSinceEpoch());
+    if (m_proxy.date_filter_on())
+        m_proxy.invalidate();
+    show_counts();
+    emit modifiedFilterUpdated();
+}
+
+void VELD_TABLE_DATA_EDITOR::modifiedTodayButtonPressed()
+{
+    const QDate today = QDate::currentDate();
+    m_ui.modifiedAfter->setDateTime(QDateTime(today, QTime(0, 0, 0)));
+    m_ui.modifiedBefore->setDateTime(QDateTime(today, QTime(23, 59, 0)));
+}
+
+void VELD_TABLE_DATA_EDITOR::saveModificationDates()
+{
+    ORBIN_SETTINGS settings(QString::fromLatin1(filters_path));
+    settings.setValue(QStringLiteral("recordModifiedAfter"),
+                      m_ui.modifiedAfter->dateTime().toMSecsSinceEpoch());
+    settings.setValue(QStringLiteral("recordModifiedBefore"),
+                      m_ui.modifiedBefore->dateTime().toMSecsSinceEpoch());
+}
+
+void VELD_TABLE_DATA_EDITOR::restoreModificationDates()
+{
+    ORBIN_SETTINGS settings(QString::fromLatin1(filters_path));
+    const qint64 default_after =
+        QDateTime::fromString(QStringLiteral("2000-01-01 00:00:00.0"), QString::fromLatin1(date_format))
+            .toMSecsSinceEpoch();
+    const qint64 default_before =
+        QDateTime::fromString(QStringLiteral("2020-01-01 00:00:00.0"), QString::fromLatin1(date_format))
+            .toMSecsSinceEpoch();
+    const qint64 after = settings.value(QStringLiteral("recordModifiedAfter"), default_after).toLongLong();
+    const qint64 before = settings.value(QStringLiteral("recordModifiedBefore"), default_before).toLongLong();
+    m_ui.modifiedAfter->setDateTime(QDateTime::fromMSecsSinceEpoch(after));
+    m_ui.modifiedBefore->setDateTime(QDateTime::fromMSecsSinceEpoch(before));
+    // The editors may already have shown those dates, and then said nothing.
+    m_proxy.set_modified_after(m_ui.modifiedAfter->dateTime().toMSecsSinceEpoch());
+    m_proxy.set_modified_before(m_ui.modifiedBefore->dateTime().toMSecsSinceEpoch());
+    show_counts();
+}
+
+// ---------------------------------------------------------------------------
+// Layout
+
+void VELD_TABLE_DATA_EDITOR::saveTableLayout()
+{
+    // A view detached by a failed refresh has no columns; saving that would
+    // forget the table's layout.
+    if (!m_view || !m_view->model() || m_view->horizontalHeader()->count() == 0)
+        return;
+    VELD_TABLE_LAYOUT::store_text(m_table_key,
+                                  VELD_TABLE_LAYOUT::of_header(*m_view->horizontalHeader()).to_text());
+}
+
+void VELD_TABLE_DATA_EDITOR::restoreTableLayout()
+{
+    if (!m_view->model())
+        return;
+    const QString text = VELD_TABLE_LAYOUT::stored_text(m_table_key);
+    if (text.isEmpty())
+    {
+        const bool visible = m_view->isVisible();
+        m_view->hide();
+        m_view->resizeColumnsToContents();
+        if (visible || !isVisible())
+            m_view->show();
+    }
+    else
+    {
+        const VELD_TABLE_LAYOUT layout = VELD_TABLE_LAYOUT::from_text(text);
+        const QStringList names = layout.names();
+        QMap<QString, int> widths = layout.widths();
+        const QList<QString> current = m_table_schema ? m_table_schema->column_ordering() : QList<QString>();
+        QT_WORKAROUNDS::restore_header_by_column_names(names, current, m_view->horizontalHeader(), &widths);
+        QT_WORKAROUNDS::restore_header_by_column_names(names, current,
+                                                       m_view->frozen_view()->horizontalHeader(), &widths);
+    }
+    m_view->keep_frozen_columns_in_front();
+}
+
+void VELD_TABLE_DATA_EDITOR::refreshView()
+{
+    m_view->update_frozen_geometry();
+    m_view->viewport()->update();
+    show_counts();
+}
+
+// ---------------------------------------------------------------------------
+// Closing and keys
+
+void VELD_TABLE_DATA_EDITOR::closeEvent(QCloseEvent* event)
+{
+    saveTableLayout();
+    if (!m_model.has_pending_changes() || m_closing_after_apply || m_read_only || m_skip_save_question)
+    {
+        event->accept();
+        return;
+    }
+    const QMessageBox::StandardButton answer =
+        prompt::question(this, QStringLiteral("Dialog Close"),
+                         QStringLiteral("Data has been edited in this table, save before exit?"),
+                         QMessageBox::Yes | QMessageBox::No | QMessageBox::Cancel, QMessageBox::Yes);
+    if (answer == QMessageBox::Yes)
+    {
+        if (m_model.apply_changes())
+            event->accept();
+        else
+        {
+            prompt::warning(this, QStringLiteral("Apply Error"),
+                            QStringLiteral("Could not apply changes, see log"));
+            event->ignore();
+        }
+    }
+    else if (answer == QMessageBox::No)
+        event->accept();
+    else
+        event->ignore();
+}
+
+void VELD_TABLE_DATA_EDITOR::keyPressEvent(QKeyEvent* event)
+{
+    const Qt::KeyboardModifiers modifiers = event->modifiers() & ~Qt::KeypadModifier;
+    const bool key_c = event->key() == Qt::Key_C;
+    if (event->matches(QKeySequence::Copy) ||
+        (key_c && modifiers == (Qt::ControlModifier | Qt::ShiftModifier)) ||
+        (key_c && modifiers == (Qt::ControlModifier | Qt::AltModifier)) ||
+        (key_c && modifiers == (Qt::ControlModifier | Qt::AltModifier | Qt::ShiftModifier)))
+        not_available(QStringLiteral("Copying cells"));
+    else if (event->matches(QKeySequence::Paste))
+        not_available(QStringLiteral("Pasting cells"));
+    else if (event->matches(QKeySequence::Delete))
+        not_available(QStringLiteral("Clearing cells with the Delete key"));
+    else if (event->matches(QKeySequence::Find) || event->matches(QKeySequence::Replace))
+        not_available(QStringLiteral("Find and replace"));
+    else if (event->matches(QKeySequence::FindNext) || event->matches(QKeySequence::FindPrevious))
+    {
+        if (!m_search_text.isEmpty())
+            not_available(QStringLiteral("Find and replace"));
+    }
+    else if (event->matches(QKeySequence::HelpContents))
+    {
+        QApplication::setOverrideCursor(Qt::BusyCursor);
+        QApplication::restoreOverrideCursor();
+    }
+    else if (event->key() == Qt::Key_Escape)
+    {
+        // Escape would reject the dialog, which hides the editor inside its
+        // sub-window and leaves an empty frame with the edits out of sight.
+        event->accept();
+    }
+    else
+        QDialog::keyPressEvent(event);
+}

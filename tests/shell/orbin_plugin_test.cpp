@@ -1,0 +1,213 @@
+// The plugin module as the host loads it: its metadata, the interfaces it
+// answers for, its one action and the windows that action makes.
+//
+// The module carries its own copy of every library inside it (it exports
+// only Qt's entry points), the prompt seam included, so no prompt of it can
+// be scripted from here: the cases never let a window run its event loop.
+#include "app_extension_plugin_interface.h"
+#include "database_editor_plugin_interface.h"
+#include "kor_xml_query_interface.h"
+#include "project_paths.h"
+#include "test_folder.h"
+
+#include <QtTest/QtTest>
+
+class ORBIN_PLUGIN_TEST : public QObject
+{
+    Q_OBJECT
+
+    QPluginLoader loader{QStringLiteral(ORBIN_PLUGIN_FILE)};
+    QObject* instance = nullptr;
+    // The project the plugin's session is made for: a database beside the
+    // binaries, so that connecting asks nothing.
+    TEST_FOLDER project;
+
+    APP_EXTENSION_PLUGIN_INTERFACE* application()
+    {
+        return qobject_cast<APP_EXTENSION_PLUGIN_INTERFACE*>(instance);
+    }
+    DATABASE_EDITOR_PLUGIN_INTERFACE* database()
+    {
+        return qobject_cast<DATABASE_EDITOR_PLUGIN_INTERFACE*>(instance);
+    }
+
+    // Opens a window through the plugin's action and answers what the host
+    // would be handed.
+    std::shared_ptr<QWidget> open_through_the_action()
+    {
+        std::shared_ptr<QWidget> handed;
+        auto connection = QObject::connect(
+            &application()->m_aepi_notifier, &AEPI_WIDGET_NOTIFIER::signal_plugin_widget_created,
+            [&](APP_EXTENSION_PLUGIN_INTERFACE& plugin, std::shared_ptr<QWidget> widget) {
+                QCOMPARE(&plugin, application());
+                handed = widget;
+            });
+        const QList<QAction*> actions = application()->create_actions();
+        if (actions.size() == 1)
+            actions.first()->trigger();
+        qDeleteAll(actions);
+        QObject::disconnect(connection);
+        return handed;
+    }
+
+private slots:
+    void initTestCase()
+    {
+        const QString binaries = project.make_folder("bin");
+        QCOMPARE(KOR_XML_QUERY_INTERFACE::create_empty_database(binaries + "/db"), QString());
+        LIBRARY_PROXY::PROJECT_PATHS paths = LIBRARY_PROXY::PROJECT_PATHS::none();
+        paths.binaries_path = binaries;
+        LIBRARY_PROXY::PROJECT_PATHS::set_current(paths);
+        instance = loader.instance();
+        QVERIFY2(instance, qPrintable(loader.errorString()));
+    }
+
+    void metadata()
+    {
+        const QJsonObject meta = loader.metaData();
+        QCOMPARE(meta.value("IID").toString(), QStringLiteral("nf.Quill.VeldPlugin"));
+        QCOMPARE(meta.value("className").toString(), QStringLiteral("ORBIN_PLUGIN"));
+        QCOMPARE(meta.value("debug").toBool(), false);
+        QCOMPARE(meta.value("MetaData").toObject(), QJsonObject());
+        // One instance, however often it is asked for.
+        QCOMPARE(loader.instance(), instance);
+    }
+
+    void answers_for_its_interfaces_data()
+    {
+        QTest::addColumn<QByteArray>("name");
+        QTest::addColumn<int>("answer"); // 0 the object, 1 the database side, 2 the application side, 3 none
+        QTest::newRow("class name") << QByteArray("ORBIN_PLUGIN") << 0;
+        QTest::newRow("database interface id")
+            << QByteArray("com.nf.Quill.DatabaseEditorPluginInterface/1.0") << 1;
+        QTest::newRow("application interface id")
+            << QByteArray("com.nf.Quill.AppExtensionPluginInterface/1.0") << 2;
+        QTest::newRow("application class name") << QByteArray("APP_EXTENSION_PLUGIN_INTERFACE") << 2;
+        QTest::newRow("first base") << QByteArray("DATABASE_EDITOR_PLUGIN_INTERFACE") << 1;
+        QTest::newRow("QObject") << QByteArray("QObject") << 0;
+        QTest::newRow("anything else") << QByteArray("VELD_MAIN_WINDOW") << 3;
+    }
+
+    void answers_for_its_interfaces()
+    {
+        QFETCH(QByteArray, name);
+        QFETCH(int, answer);
+        void* expected = nullptr;
+        switch (answer)
+        {
+        case 0:
+            expected = instance;
+            break;
+        case 1:
+            expected = static_cast<DATABASE_EDITOR_PLUGIN_INTERFACE*>(database());
+            break;
+        case 2:
+            expected = static_cast<APP_EXTENSION_PLUGIN_INTERFACE*>(application());
+            break;
+        default:
+            break;
+        }
+        QVERIFY(database() && application());
+        QCOMPARE(instance->qt_metacast(name.constData()), expected);
+        // The database side comes first: it is the object itself.
+        QCOMPARE(static_cast<void*>(database()), static_cast<void*>(instance));
+    }
+
+    void slots_in_their_order()
+    {
+        const QMetaObject* meta = instance->metaObject();
+        QStringList own;
+        for (int method = meta->methodOffset(); method < meta->methodCount(); ++method)
+            own << QString::fromLatin1(meta->method(method).methodSignature());
+        QCOMPARE(own, (QStringList{"open_VELD()", "orbin_disconnected()", "orbin_connected()"}));
+    }
+
+    void description()
+    {
+        const PLUGIN_DESCRIPTION description = application()->plugin_description();
+        QCOMPARE(description.name, QStringLiteral("ORBIN"));
+        QVERIFY(!description.icon.isNull());
+        QVERIFY(description.categories.isEmpty());
+        QVERIFY(description.enabled);
+    }
+
+    void one_action_without_parent()
+    {
+        const QList<QAction*> actions = application()->create_actions();
+        QCOMPARE(actions.size(), 1);
+        QCOMPARE(actions.first()->text(), QStringLiteral("ORBIN - Database Visual Editor"));
+        QVERIFY(!actions.first()->parent());
+        qDeleteAll(actions);
+    }
+
+    void can_close_without_a_window()
+    {
+        QVERIFY(application()->can_close());
+        // Nothing to disconnect: the answer is yes at once.
+        QVERIFY(database()->disconnect_database());
+    }
+
+    // The host reaches the database through the plugin and hears of every
+    // change of the connection.
+    void database_side()
+    {
+        QSignalSpy connected(database(), &DATABASE_EDITOR_PLUGIN_INTERFACE::database_connected);
+        QSignalSpy disconnected(database(), &DATABASE_EDITOR_PLUGIN_INTERFACE::database_disconnected);
+        KOR_XML_QUERY_INTERFACE* interface = database()->database_interface();
+        QVERIFY(interface);
+        QVERIFY(interface->is_connected());
+        QCOMPARE(connected.count(), 1);
+        // Connected: the same interface, nothing new.
+        QCOMPARE(database()->database_interface(), interface);
+        QVERIFY(database()->connect_database(true));
+        QCOMPARE(connected.count(), 1);
+
+        QVERIFY(database()->disconnect_database());
+        QCOMPARE(disconnected.count(), 1);
+        QVERIFY(database()->connect_database(false));
+        QCOMPARE(connected.count(), 2);
+
+        // With a window open (and no forms in it) the host may disconnect too.
+        std::shared_ptr<QWidget> window = open_through_the_action();
+        QVERIFY(window);
+        QVERIFY(application()->can_close());
+        QVERIFY(database()->disconnect_database());
+        QCOMPARE(disconnected.count(), 2);
+    }
+
+    // A window made while the session is connected finds it so.
+    void new_window_on_a_connected_session()
+    {
+        QVERIFY(database()->connect_database(true));
+        std::shared_ptr<QWidget> window = open_through_the_action();
+        auto* list = window->findChild<QListWidget*>("statusList");
+        QVERIFY(list);
+        QCOMPARE(list->count(), 1);
+        QVERIFY(list->item(0)->text().endsWith("> The database is already connected!"));
+        window.reset();
+        QVERIFY(database()->disconnect_database());
+    }
+
+    // Each trigger makes a new main window, handed to the host; the plugin
+    // keeps only a weak reference, so a window the host dropped is gone.
+    void every_trigger_makes_a_window()
+    {
+        std::shared_ptr<QWidget> first = open_through_the_action();
+        QVERIFY(first);
+        QCOMPARE(first->metaObject()->className(), "VELD_MAIN_WINDOW");
+        QCOMPARE(first->windowTitle(), QStringLiteral("ORBIN - Database Visual Editor"));
+        QVERIFY(!first->parent());
+        QVERIFY(application()->can_close());
+
+        std::shared_ptr<QWidget> second = open_through_the_action();
+        QVERIFY(second && second != first);
+
+        first.reset();
+        second.reset();
+        QVERIFY(application()->can_close());
+        QVERIFY(open_through_the_action());
+    }
+};
+
+QTEST_MAIN(ORBIN_PLUGIN_TEST)
+#include "orbin_plugin_test.moc"
