@@ -72,7 +72,9 @@ bool KOR_XML_QUERY_INTERFACE_PRIVATE::normalise_value(QString& error, const KOR_
         out = field.field_type() == KFT_TEXT ? QVariant(QString(QLatin1String(""))) : QVariant();
         return true;
     }
-    if (int(value.type()) == type)
+    // An unsigned integer is held as an int, so a negative int has the right
+    // type but is no valid value: the table file could not be read back.
+    if (int(value.type()) == type && !(field.field_type() == KFT_UNSIGNED_INTEGER && value.toInt() < 0))
     {
         out = value;
         return true;
