@@ -336,6 +336,12 @@ void TEST_KOR_QUERY_EVALUATION::results_describe_their_columns()
     QCOMPARE(faction->dependency()->first, QStringLiteral("factions"));
     QCOMPARE(faction->dependency()->second, QStringLiteral("key"));
     QCOMPARE(faction->lookup_fields(), QStringList{"name"});
+    // The query window's cell editor offers a result field's foreign keys
+    // as it does a table field's.
+    QVector<QVariant> choices;
+    QString lookup_error;
+    QVERIFY2(db().get_main_dependency_field_data(lookup_error, choices, faction), qPrintable(lookup_error));
+    QCOMPARE(choices, QVector<QVariant>({"brt", "gal", "rom", "sel"}));
     QCOMPARE(results.field(2)->field_type(), KFT_SINGLE);
     QCOMPARE(results.field(3)->field_type(), KFT_YESNO);
     QCOMPARE(results.table_schema()->field_count(), 4);
