@@ -24,7 +24,6 @@ set(KOR_ENGINE_SOURCES
   ${KOR_ENGINE_DIR}/kor_file_commit.cpp
   ${KOR_ENGINE_DIR}/kor_memory_pool.cpp
   ${KOR_ENGINE_DIR}/kor_permissions.cpp
-  ${KOR_ENGINE_DIR}/kor_query_stubs.cpp
   ${KOR_ENGINE_DIR}/kor_table_io.cpp
   ${KOR_ENGINE_DIR}/kor_unique_ids.cpp
   ${KOR_ENGINE_DIR}/kor_update_command_codec.cpp
