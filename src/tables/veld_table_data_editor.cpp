@@ -1,5 +1,7 @@
 #include "veld_table_data_editor.h"
 
+#include <QtCore/QTimer>
+
 #include "cascade_update_dialog.h"
 #include "csv_table_reader.h"
 #include "kor_field_schema.h"
@@ -828,7 +830,9 @@ void VELD_TABLE_DATA_EDITOR::onAddRecord()
         return;
     m_model.add_record();
     m_view->update_frozen_geometry();
-    m_view->scrollToBottom();
+    // The view lays out the new row later in this event loop turn; scrolling
+    // now would stop one row short of it.
+    QTimer::singleShot(0, m_view, [view = m_view] { view->scrollToBottom(); });
     show_counts();
 }
 
