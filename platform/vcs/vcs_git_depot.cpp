@@ -14,27 +14,6 @@ namespace
 {
 const QLatin1String workspace_trailer("Orbin-Workspace: ");
 
-// Holds the workspace state for the length of one operation.
-class STATE_SCOPE
-{
-public:
-    explicit STATE_SCOPE(VCS_GIT_WORKSPACE& workspace) : owner(workspace) {}
-    ~STATE_SCOPE()
-    {
-        if (active)
-            owner.end();
-    }
-    bool begin(QString& error)
-    {
-        active = owner.begin(error);
-        return active;
-    }
-
-private:
-    VCS_GIT_WORKSPACE& owner;
-    bool active = false;
-};
-
 QString first_error(const QVector<VCS_GIT_WORKSPACE::ITEM>& items)
 {
     for (const auto& item : items)
@@ -122,7 +101,7 @@ bool VCS_GIT_DEPOT::status(QString& error, const QString& path, QVector<VCS_FILE
     QVector<VCS_FILE_ARGUMENT> file_args;
     if (!arguments_for(error, {folder_argument(path)}, file_args))
         return false;
-    STATE_SCOPE scope(client);
+    VCS_GIT_WORKSPACE::STATE_SCOPE scope(client);
     if (!scope.begin(error))
         return false;
     QMap<QString, VCS_GIT_WORKSPACE::FILE_STATE> states;
@@ -160,7 +139,7 @@ bool VCS_GIT_DEPOT::read_file(QString& error, const QString& file, const QString
         commit = revision;
     else if (revision == QLatin1String("#have"))
     {
-        STATE_SCOPE scope(client);
+        VCS_GIT_WORKSPACE::STATE_SCOPE scope(client);
         if (!scope.begin(error))
             return false;
         QString head;
@@ -219,7 +198,7 @@ bool VCS_GIT_DEPOT::have_change(QString& error, const QString& path, int& change
         error = QStringLiteral("%1 - file(s) not in client view.").arg(path);
         return false;
     }
-    STATE_SCOPE scope(client);
+    VCS_GIT_WORKSPACE::STATE_SCOPE scope(client);
     if (!scope.begin(error))
         return false;
     QString head;
@@ -302,7 +281,7 @@ bool VCS_GIT_DEPOT::incoming(QString& error, const QString& path, QStringList& f
         error = QStringLiteral("%1 - file(s) not in client view.").arg(path);
         return false;
     }
-    STATE_SCOPE scope(client);
+    VCS_GIT_WORKSPACE::STATE_SCOPE scope(client);
     if (!scope.begin(error))
         return false;
     QString latest;
@@ -402,7 +381,7 @@ bool VCS_GIT_DEPOT::unresolved(QString& error, const QString& path, QVector<VCS_
         error = QStringLiteral("%1 - file(s) not in client view.").arg(path);
         return false;
     }
-    STATE_SCOPE scope(client);
+    VCS_GIT_WORKSPACE::STATE_SCOPE scope(client);
     if (!scope.begin(error))
         return false;
     const VCS_GIT_STATE& state = client.state();
@@ -467,7 +446,7 @@ bool VCS_GIT_DEPOT::revert(QString& error, const QStringList& file_args, bool ke
 
 bool VCS_GIT_DEPOT::new_change(QString& error, const QString& description, int& change)
 {
-    STATE_SCOPE scope(client);
+    VCS_GIT_WORKSPACE::STATE_SCOPE scope(client);
     if (!scope.begin(error))
         return false;
     QStringList chain;
@@ -485,7 +464,7 @@ bool VCS_GIT_DEPOT::new_change(QString& error, const QString& description, int& 
 bool VCS_GIT_DEPOT::pending_changes(QString& error, QVector<VCS_CHANGE_INFO>& out)
 {
     out.clear();
-    STATE_SCOPE scope(client);
+    VCS_GIT_WORKSPACE::STATE_SCOPE scope(client);
     if (!scope.begin(error))
         return false;
     const VCS_GIT_STATE& state = client.state();
@@ -504,7 +483,7 @@ bool VCS_GIT_DEPOT::pending_changes(QString& error, QVector<VCS_CHANGE_INFO>& ou
 
 bool VCS_GIT_DEPOT::delete_change(QString& error, int change)
 {
-    STATE_SCOPE scope(client);
+    VCS_GIT_WORKSPACE::STATE_SCOPE scope(client);
     if (!scope.begin(error))
         return false;
     VCS_GIT_STATE& state = client.state();
@@ -547,7 +526,7 @@ void VCS_GIT_DEPOT::split_message(const QString& message, QString& description, 
 bool VCS_GIT_DEPOT::submit(QString& error, int change, const QString& description, int& submitted)
 {
     submitted = 0;
-    STATE_SCOPE scope(client);
+    VCS_GIT_WORKSPACE::STATE_SCOPE scope(client);
     if (!scope.begin(error))
         return false;
     VCS_GIT_STATE& state = client.state();
@@ -745,7 +724,7 @@ bool VCS_GIT_DEPOT::describe(QString& error, int change, VCS_CHANGE_INFO& out)
     out = VCS_CHANGE_INFO();
     out.number = change;
     {
-        STATE_SCOPE scope(client);
+        VCS_GIT_WORKSPACE::STATE_SCOPE scope(client);
         if (!scope.begin(error))
             return false;
         const VCS_GIT_STATE& state = client.state();

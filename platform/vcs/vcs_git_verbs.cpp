@@ -10,27 +10,6 @@
 
 namespace
 {
-// Holds the workspace state for the length of one command.
-class STATE_SCOPE
-{
-public:
-    explicit STATE_SCOPE(VCS_GIT_WORKSPACE& workspace) : owner(workspace) {}
-    ~STATE_SCOPE()
-    {
-        if (active)
-            owner.end();
-    }
-    bool begin(QString& error)
-    {
-        active = owner.begin(error);
-        return active;
-    }
-
-private:
-    VCS_GIT_WORKSPACE& owner;
-    bool active = false;
-};
-
 QString change_text(int change)
 {
     return change == 0 ? QStringLiteral("default") : QString::number(change);
@@ -388,7 +367,7 @@ bool VCS_GIT_VERBS::opened(const ARGUMENTS& arguments)
     if (!file_args(arguments.files, parsed, QStringLiteral("//...")))
         return false;
     VCS_GIT_WORKSPACE& workspace = depot.workspace();
-    STATE_SCOPE scope(workspace);
+    VCS_GIT_WORKSPACE::STATE_SCOPE scope(workspace);
     QString error;
     QString head;
     if (!scope.begin(error) || !depot.repo().head(error, head))
@@ -437,7 +416,7 @@ bool VCS_GIT_VERBS::have(const ARGUMENTS& arguments)
     if (!file_args(arguments.files, parsed, QStringLiteral("//...")))
         return false;
     VCS_GIT_WORKSPACE& workspace = depot.workspace();
-    STATE_SCOPE scope(workspace);
+    VCS_GIT_WORKSPACE::STATE_SCOPE scope(workspace);
     QString error;
     if (!scope.begin(error))
     {
@@ -510,7 +489,7 @@ bool VCS_GIT_VERBS::changes(const ARGUMENTS& arguments)
     QString error;
     if (status.isEmpty() || status == QLatin1String("pending"))
     {
-        STATE_SCOPE scope(workspace);
+        VCS_GIT_WORKSPACE::STATE_SCOPE scope(workspace);
         if (!scope.begin(error))
         {
             message(2, error);
@@ -554,7 +533,7 @@ bool VCS_GIT_VERBS::changes(const ARGUMENTS& arguments)
         for (int i = 0; i < chain.size(); ++i)
             number_of.insert(chain.at(i), i + 1);
         QString head;
-        STATE_SCOPE scope(workspace);
+        VCS_GIT_WORKSPACE::STATE_SCOPE scope(workspace);
         if (!scope.begin(error) || !repo.head(error, head))
         {
             message(2, error);
@@ -781,7 +760,7 @@ bool VCS_GIT_VERBS::files(const ARGUMENTS& arguments, bool with_status)
     }
     VCS_GIT_REPOSITORY& repo = depot.repo();
     VCS_GIT_WORKSPACE& workspace = depot.workspace();
-    STATE_SCOPE scope(workspace);
+    VCS_GIT_WORKSPACE::STATE_SCOPE scope(workspace);
     QString error;
     QString head;
     QString latest;
@@ -946,7 +925,7 @@ bool VCS_GIT_VERBS::change(const ARGUMENTS& arguments, const QString& input)
         int number = 0;
         if (!arguments.files.isEmpty() && !change_number(arguments.files.first(), number))
             return false;
-        STATE_SCOPE scope(workspace);
+        VCS_GIT_WORKSPACE::STATE_SCOPE scope(workspace);
         if (!scope.begin(error))
         {
             message(2, error);
@@ -999,7 +978,7 @@ bool VCS_GIT_VERBS::change(const ARGUMENTS& arguments, const QString& input)
                        "Error in change specification: change description missing.  You must enter one."));
         return false;
     }
-    STATE_SCOPE scope(workspace);
+    VCS_GIT_WORKSPACE::STATE_SCOPE scope(workspace);
     if (!scope.begin(error))
     {
         message(2, error);
@@ -1063,7 +1042,7 @@ bool VCS_GIT_VERBS::reopen(const ARGUMENTS& arguments)
     if (!file_args(arguments.files, parsed, QString()))
         return false;
     VCS_GIT_WORKSPACE& workspace = depot.workspace();
-    STATE_SCOPE scope(workspace);
+    VCS_GIT_WORKSPACE::STATE_SCOPE scope(workspace);
     QString error;
     if (!scope.begin(error))
     {
@@ -1104,7 +1083,7 @@ bool VCS_GIT_VERBS::submit(const ARGUMENTS& arguments, const QString& input)
     QString description = arguments.values.value(QStringLiteral("-d"));
     QString error;
     VCS_GIT_WORKSPACE& workspace = depot.workspace();
-    STATE_SCOPE scope(workspace);
+    VCS_GIT_WORKSPACE::STATE_SCOPE scope(workspace);
     if (!scope.begin(error))
     {
         message(2, error);

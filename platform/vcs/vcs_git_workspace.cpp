@@ -46,27 +46,6 @@ bool is_marker(const QString& commit)
     return commit == VCS_GIT_STATE::not_on_client();
 }
 
-// Holds the workspace state for the length of one operation.
-class STATE_SCOPE
-{
-public:
-    explicit STATE_SCOPE(VCS_GIT_WORKSPACE& workspace) : owner(workspace) {}
-    ~STATE_SCOPE()
-    {
-        if (active)
-            owner.end();
-    }
-    bool begin(QString& error)
-    {
-        active = owner.begin(error);
-        return active;
-    }
-
-private:
-    VCS_GIT_WORKSPACE& owner;
-    bool active = false;
-};
-
 QString action_text(VCS_ACTION action)
 {
     switch (action)

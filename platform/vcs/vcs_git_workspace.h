@@ -81,6 +81,29 @@ public:
     bool begin(QString& error);
     bool save(QString& error);
     void end();
+
+    // Holds the state for the length of one operation: ends what it began on every path.
+    class STATE_SCOPE
+    {
+    public:
+        explicit STATE_SCOPE(VCS_GIT_WORKSPACE& workspace) : owner(workspace) {}
+        ~STATE_SCOPE()
+        {
+            if (active)
+                owner.end();
+        }
+        STATE_SCOPE(const STATE_SCOPE&) = delete;
+        STATE_SCOPE& operator=(const STATE_SCOPE&) = delete;
+        bool begin(QString& error)
+        {
+            active = owner.begin(error);
+            return active;
+        }
+
+    private:
+        VCS_GIT_WORKSPACE& owner;
+        bool active = false;
+    };
     VCS_GIT_STATE& state() { return workspace_state; }
 
     bool parse_file_arguments(QString& error, const QStringList& texts, QVector<VCS_FILE_ARGUMENT>& file_args,
