@@ -166,6 +166,16 @@ bool VCS_FILE_ARGUMENT::matches(const QString& relative_path) const
     return expression.match(relative_path).hasMatch();
 }
 
+bool VCS_FILE_ARGUMENT::any_matches(const QVector<VCS_FILE_ARGUMENT>& file_args, const QString& relative_path)
+{
+    for (const VCS_FILE_ARGUMENT& file_arg : file_args)
+    {
+        if (file_arg.matches(relative_path))
+            return true;
+    }
+    return false;
+}
+
 QString VCS_FILE_ARGUMENT::revision_text() const
 {
     switch (kind)

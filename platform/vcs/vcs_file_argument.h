@@ -2,6 +2,7 @@
 
 #include <QRegularExpression>
 #include <QString>
+#include <QVector>
 
 // A file argument of a depot command, in the forms the depot client takes:
 // an absolute local path, a path relative to the working directory, or a
@@ -33,7 +34,10 @@ public:
     bool is_whole_workspace() const;
     // The folder below which every match lies (root-relative, may be empty).
     QString fixed_directory() const;
+    // The folder a listing starts from: the fixed directory of a wildcard, else the path itself.
+    QString search_folder() const { return wildcards ? fixed_directory() : pattern; }
     bool matches(const QString& relative_path) const;
+    static bool any_matches(const QVector<VCS_FILE_ARGUMENT>& file_args, const QString& relative_path);
 
     REVISION_KIND revision_kind() const { return kind; }
     int revision_number() const { return number; }

@@ -10,6 +10,19 @@
 
 namespace
 {
+// The keys of files that file_arg matches, sorted.
+template <typename FILES> QStringList matching(const VCS_FILE_ARGUMENT& file_arg, const FILES& files)
+{
+    QStringList paths;
+    for (auto it = files.cbegin(); it != files.cend(); ++it)
+    {
+        if (file_arg.matches(it.key()))
+            paths.append(it.key());
+    }
+    paths.sort();
+    return paths;
+}
+
 QString change_text(int change)
 {
     return change == 0 ? QStringLiteral("default") : QString::number(change);
@@ -87,6 +100,56 @@ void VCS_GIT_VERBS::message(int level, const QString& text)
         failed = true;
 }
 
+bool VCS_GIT_VERBS::fail(const QString& text)
+{
+    message(2, text);
+    return false;
+}
+
+void VCS_GIT_VERBS::set_files(VCS_ZTAG_RECORD& entry, const QString& path) const
+{
+    entry.set(QStringLiteral("depotFile"), depot.depot_path(path));
+    entry.set(QStringLiteral("clientFile"), depot.workspace().absolute(path));
+}
+
+bool VCS_GIT_VERBS::report(bool ok, const QString& error, const QVector<VCS_GIT_WORKSPACE::ITEM>& items,
+                           const std::function<void(const VCS_GIT_WORKSPACE::ITEM&, VCS_ZTAG_RECORD&)>& fill,
+                           bool write_records)
+{
+    if (!ok)
+        return fail(error);
+    for (const auto& item : items)
+    {
+        if (!item.message.isEmpty())
+        {
+            message(item.level, item.message);
+            continue;
+        }
+        VCS_ZTAG_RECORD entry;
+        fill(item, entry);
+        if (write_records)
+            record(entry);
+    }
+    return true;
+}
+
+bool VCS_GIT_VERBS::move_default_files(const QStringList& files, const QString& description, int& number)
+{
+    QVector<VCS_FILE_ARGUMENT> parsed;
+    if (!file_args(files, parsed, QString()))
+        return false;
+    QString error;
+    if (!depot.new_change(error, description, number))
+        return fail(error);
+    for (auto it = depot.workspace().state().opened.begin(); it != depot.workspace().state().opened.end();
+         ++it)
+    {
+        if (it.value().change == 0 && VCS_FILE_ARGUMENT::any_matches(parsed, it.key()))
+            it.value().change = number;
+    }
+    return true;
+}
+
 bool VCS_GIT_VERBS::file_args(const QStringList& texts, QVector<VCS_FILE_ARGUMENT>& out,
                               const QString& fallback)
 {
@@ -95,10 +158,7 @@ bool VCS_GIT_VERBS::file_args(const QStringList& texts, QVector<VCS_FILE_ARGUMEN
     if (list.isEmpty() && !fallback.isEmpty())
         list.append(fallback);
     if (!depot.workspace().parse_file_arguments(error, list, out, depot.root()))
-    {
-        message(2, error);
-        return false;
-    }
+        return fail(error);
     return true;
 }
 
@@ -112,10 +172,7 @@ bool VCS_GIT_VERBS::change_number(const QString& text, int& number)
     bool ok = false;
     number = text.toInt(&ok);
     if (!ok || number < 0)
-    {
-        message(2, QStringLiteral("Invalid changelist number '%1'.").arg(text));
-        return false;
-    }
+        return fail(QStringLiteral("Invalid changelist number '%1'.").arg(text));
     return true;
 }
 
@@ -146,10 +203,7 @@ bool VCS_GIT_VERBS::run(const QString& command, const QStringList& arguments, co
         value_flags = QStringList{QStringLiteral("-T"), QStringLiteral("-F"), QStringLiteral("-m")};
     const ARGUMENTS parsed = parse(arguments, value_flags);
     if (!parsed.error.isEmpty())
-    {
-        message(2, parsed.error);
-        return false;
-    }
+        return fail(parsed.error);
 
     bool ok = false;
     if (verb == QLatin1String("sync"))
@@ -205,36 +259,21 @@ bool VCS_GIT_VERBS::sync(const ARGUMENTS& arguments)
     options.force = arguments.has(QStringLiteral("-f"));
     QVector<VCS_GIT_WORKSPACE::ITEM> items;
     QString error;
-    if (!depot.workspace().sync(error, parsed, options, items))
-    {
-        message(2, error);
-        return false;
-    }
-    for (const auto& item : qAsConst(items))
-    {
-        if (!item.message.isEmpty())
-        {
-            message(item.level, item.message);
-            continue;
-        }
-        VCS_ZTAG_RECORD entry;
-        entry.set(QStringLiteral("depotFile"), depot.depot_path(item.path));
-        entry.set(QStringLiteral("clientFile"), depot.workspace().absolute(item.path));
-        entry.set(QStringLiteral("rev"), item.revision);
-        entry.set(QStringLiteral("action"), item.action);
-        if (!arguments.has(QStringLiteral("-q")))
-            record(entry);
-    }
-    return true;
+    const bool ok = depot.workspace().sync(error, parsed, options, items);
+    return report(
+        ok, error, items,
+        [this](const VCS_GIT_WORKSPACE::ITEM& item, VCS_ZTAG_RECORD& entry) {
+            set_files(entry, item.path);
+            entry.set(QStringLiteral("rev"), item.revision);
+            entry.set(QStringLiteral("action"), item.action);
+        },
+        !arguments.has(QStringLiteral("-q")));
 }
 
 bool VCS_GIT_VERBS::open(const ARGUMENTS& arguments, VCS_ACTION action)
 {
     if (arguments.files.isEmpty())
-    {
-        message(2, QStringLiteral("Missing file arguments."));
-        return false;
-    }
+        return fail(QStringLiteral("Missing file arguments."));
     int change = 0;
     if (!change_number(arguments.values.value(QStringLiteral("-c")), change))
         return false;
@@ -243,28 +282,17 @@ bool VCS_GIT_VERBS::open(const ARGUMENTS& arguments, VCS_ACTION action)
         return false;
     QVector<VCS_GIT_WORKSPACE::ITEM> items;
     QString error;
-    if (!depot.workspace().open(error, parsed, action, change, arguments.has(QStringLiteral("-k")), items))
-    {
-        message(2, error);
-        return false;
-    }
-    for (const auto& item : qAsConst(items))
-    {
-        if (!item.message.isEmpty())
-        {
-            message(item.level, item.message);
-            continue;
-        }
-        VCS_ZTAG_RECORD entry;
-        entry.set(QStringLiteral("depotFile"), depot.depot_path(item.path));
-        entry.set(QStringLiteral("clientFile"), depot.workspace().absolute(item.path));
-        entry.set(QStringLiteral("workRev"), item.revision);
-        entry.set(QStringLiteral("action"),
-                  item.action == QLatin1String("reopened") ? VCS_DEPOT::action_name(action) : item.action);
-        entry.set(QStringLiteral("type"), QStringLiteral("text"));
-        record(entry);
-    }
-    return true;
+    const bool ok =
+        depot.workspace().open(error, parsed, action, change, arguments.has(QStringLiteral("-k")), items);
+    return report(ok, error, items,
+                  [this, action](const VCS_GIT_WORKSPACE::ITEM& item, VCS_ZTAG_RECORD& entry) {
+                      set_files(entry, item.path);
+                      entry.set(QStringLiteral("workRev"), item.revision);
+                      entry.set(QStringLiteral("action"), item.action == QLatin1String("reopened")
+                                                              ? VCS_DEPOT::action_name(action)
+                                                              : item.action);
+                      entry.set(QStringLiteral("type"), QStringLiteral("text"));
+                  });
 }
 
 bool VCS_GIT_VERBS::revert(const ARGUMENTS& arguments)
@@ -278,37 +306,20 @@ bool VCS_GIT_VERBS::revert(const ARGUMENTS& arguments)
         !change_number(arguments.values.value(QStringLiteral("-c")), options.change))
         return false;
     if (arguments.files.isEmpty() && !options.only_unchanged && options.change < 0)
-    {
-        message(2, QStringLiteral("Missing file arguments."));
-        return false;
-    }
+        return fail(QStringLiteral("Missing file arguments."));
     QVector<VCS_FILE_ARGUMENT> parsed;
     if (!file_args(arguments.files, parsed, QStringLiteral("//...")))
         return false;
     QVector<VCS_GIT_WORKSPACE::ITEM> items;
     QString error;
-    if (!depot.workspace().revert(error, parsed, options, items))
-    {
-        message(2, error);
-        return false;
-    }
-    for (const auto& item : qAsConst(items))
-    {
-        if (!item.message.isEmpty())
-        {
-            message(item.level, item.message);
-            continue;
-        }
-        VCS_ZTAG_RECORD entry;
-        entry.set(QStringLiteral("depotFile"), depot.depot_path(item.path));
-        entry.set(QStringLiteral("clientFile"), depot.workspace().absolute(item.path));
+    const bool ok = depot.workspace().revert(error, parsed, options, items);
+    return report(ok, error, items, [this](const VCS_GIT_WORKSPACE::ITEM& item, VCS_ZTAG_RECORD& entry) {
+        set_files(entry, item.path);
         entry.set(QStringLiteral("haveRev"),
                   item.revision == 0 ? QStringLiteral("none") : QString::number(item.revision));
         entry.set(QStringLiteral("oldAction"), item.old_action);
         entry.set(QStringLiteral("action"), item.action);
-        record(entry);
-    }
-    return true;
+    });
 }
 
 bool VCS_GIT_VERBS::resolve(const ARGUMENTS& arguments)
@@ -322,39 +333,25 @@ bool VCS_GIT_VERBS::resolve(const ARGUMENTS& arguments)
         how = VCS_RESOLVE::MERGE_FORCED;
     else if (!arguments.has(QStringLiteral("-am")) && !arguments.has(QStringLiteral("-as")) &&
              !arguments.has(QStringLiteral("-n")))
-    {
-        message(2, QStringLiteral("Interactive resolve is not available: give -am, -at, -ay or -af."));
-        return false;
-    }
+        return fail(QStringLiteral("Interactive resolve is not available: give -am, -at, -ay or -af."));
     QVector<VCS_FILE_ARGUMENT> parsed;
     if (!file_args(arguments.files, parsed, QString()))
         return false;
+    const bool preview = arguments.has(QStringLiteral("-n"));
     QVector<VCS_GIT_WORKSPACE::ITEM> items;
     QString error;
-    if (!depot.workspace().resolve(error, parsed, how, arguments.has(QStringLiteral("-n")), items))
-    {
-        message(2, error);
-        return false;
-    }
-    for (const auto& item : qAsConst(items))
-    {
-        if (!item.message.isEmpty())
-        {
-            message(item.level, item.message);
-            continue;
-        }
-        VCS_ZTAG_RECORD entry;
-        entry.set(QStringLiteral("clientFile"), depot.workspace().absolute(item.path));
-        entry.set(QStringLiteral("fromFile"), depot.depot_path(item.path));
-        const int base = depot.workspace().revision_at(item.base_commit, item.path);
-        entry.set(QStringLiteral("startFromRev"), base);
-        entry.set(QStringLiteral("endFromRev"), item.revision);
-        entry.set(QStringLiteral("resolveType"), QStringLiteral("content"));
-        if (!arguments.has(QStringLiteral("-n")))
-            entry.set(QStringLiteral("how"), item.action);
-        record(entry);
-    }
-    return true;
+    const bool ok = depot.workspace().resolve(error, parsed, how, preview, items);
+    return report(ok, error, items,
+                  [this, preview](const VCS_GIT_WORKSPACE::ITEM& item, VCS_ZTAG_RECORD& entry) {
+                      entry.set(QStringLiteral("clientFile"), depot.workspace().absolute(item.path));
+                      entry.set(QStringLiteral("fromFile"), depot.depot_path(item.path));
+                      entry.set(QStringLiteral("startFromRev"),
+                                depot.workspace().revision_at(item.base_commit, item.path));
+                      entry.set(QStringLiteral("endFromRev"), item.revision);
+                      entry.set(QStringLiteral("resolveType"), QStringLiteral("content"));
+                      if (!preview)
+                          entry.set(QStringLiteral("how"), item.action);
+                  });
 }
 
 bool VCS_GIT_VERBS::opened(const ARGUMENTS& arguments)
@@ -371,18 +368,13 @@ bool VCS_GIT_VERBS::opened(const ARGUMENTS& arguments)
     QString error;
     QString head;
     if (!scope.begin(error) || !depot.repo().head(error, head))
-    {
-        message(2, error);
-        return false;
-    }
+        return fail(error);
     const auto opened_files = workspace.state().opened;
     bool any = false;
     for (auto it = opened_files.cbegin(); it != opened_files.cend(); ++it)
     {
-        bool matched = false;
-        for (const VCS_FILE_ARGUMENT& file_arg : qAsConst(parsed))
-            matched = matched || file_arg.matches(it.key());
-        if (!matched || (only_change >= 0 && it.value().change != only_change))
+        if (!VCS_FILE_ARGUMENT::any_matches(parsed, it.key()) ||
+            (only_change >= 0 && it.value().change != only_change))
             continue;
         any = true;
         const int have_revision = workspace.revision_at(workspace.have_commit_of(head, it.key()), it.key());
@@ -419,27 +411,13 @@ bool VCS_GIT_VERBS::have(const ARGUMENTS& arguments)
     VCS_GIT_WORKSPACE::STATE_SCOPE scope(workspace);
     QString error;
     if (!scope.begin(error))
-    {
-        message(2, error);
-        return false;
-    }
+        return fail(error);
     for (const VCS_FILE_ARGUMENT& file_arg : qAsConst(parsed))
     {
         QHash<QString, QPair<QString, QString>> files;
-        if (!workspace.have_files(
-                error, file_arg.has_wildcards() ? file_arg.fixed_directory() : file_arg.relative_pattern(),
-                files))
-        {
-            message(2, error);
-            return false;
-        }
-        QStringList paths;
-        for (auto it = files.cbegin(); it != files.cend(); ++it)
-        {
-            if (file_arg.matches(it.key()))
-                paths.append(it.key());
-        }
-        paths.sort();
+        if (!workspace.have_files(error, file_arg.search_folder(), files))
+            return fail(error);
+        const QStringList paths = matching(file_arg, files);
         if (paths.isEmpty())
             message(1, file_arg.text() + QStringLiteral(" - file(s) not on client."));
         for (const QString& path : qAsConst(paths))
@@ -491,10 +469,7 @@ bool VCS_GIT_VERBS::changes(const ARGUMENTS& arguments)
     {
         VCS_GIT_WORKSPACE::STATE_SCOPE scope(workspace);
         if (!scope.begin(error))
-        {
-            message(2, error);
-            return false;
-        }
+            return fail(error);
         if (user_filter.isEmpty() || user_filter == depot.user_name())
         {
             const auto pending = workspace.state().pending;
@@ -516,34 +491,24 @@ bool VCS_GIT_VERBS::changes(const ARGUMENTS& arguments)
     {
         // The depot is asked, as the client would ask its server.
         if (!repo.fetch(error))
-        {
-            message(2, error);
-            return false;
-        }
+            return fail(error);
         QVector<VCS_FILE_ARGUMENT> parsed;
         if (!file_args(arguments.files, parsed, QStringLiteral("//...")))
             return false;
         QStringList chain;
         if (!repo.chain(error, chain))
-        {
-            message(2, error);
-            return false;
-        }
+            return fail(error);
         QHash<QString, int> number_of;
         for (int i = 0; i < chain.size(); ++i)
             number_of.insert(chain.at(i), i + 1);
         QString head;
         VCS_GIT_WORKSPACE::STATE_SCOPE scope(workspace);
         if (!scope.begin(error) || !repo.head(error, head))
-        {
-            message(2, error);
-            return false;
-        }
+            return fail(error);
         for (const VCS_FILE_ARGUMENT& file_arg : qAsConst(parsed))
         {
             QString tip;
-            const QString folder =
-                file_arg.has_wildcards() ? file_arg.fixed_directory() : file_arg.relative_pattern();
+            const QString folder = file_arg.search_folder();
             switch (file_arg.revision_kind())
             {
             case VCS_FILE_ARGUMENT::REVISION_NONE_GIVEN:
@@ -579,10 +544,7 @@ bool VCS_GIT_VERBS::changes(const ARGUMENTS& arguments)
                 log_arguments << QStringLiteral("--") << folder;
             QByteArray log;
             if (!repo.git_ok(error, log_arguments, &log))
-            {
-                message(2, error);
-                return false;
-            }
+                return fail(error);
             for (const QByteArray& chunk : log.split('\x1e'))
             {
                 const QList<QByteArray> fields = chunk.split('\x1f');
@@ -635,10 +597,7 @@ bool VCS_GIT_VERBS::changes(const ARGUMENTS& arguments)
 bool VCS_GIT_VERBS::describe(const ARGUMENTS& arguments)
 {
     if (arguments.files.isEmpty())
-    {
-        message(2, QStringLiteral("Missing changelist number."));
-        return false;
-    }
+        return fail(QStringLiteral("Missing changelist number."));
     for (const QString& text : arguments.files)
     {
         int number = 0;
@@ -704,10 +663,7 @@ bool VCS_GIT_VERBS::print(const ARGUMENTS& arguments)
     if (!file_args(arguments.files, parsed, QString()))
         return false;
     if (parsed.isEmpty())
-    {
-        message(2, QStringLiteral("Missing file arguments."));
-        return false;
-    }
+        return fail(QStringLiteral("Missing file arguments."));
     const QString target = arguments.values.value(QStringLiteral("-o"));
     for (const VCS_FILE_ARGUMENT& file_arg : qAsConst(parsed))
     {
@@ -754,10 +710,7 @@ bool VCS_GIT_VERBS::files(const ARGUMENTS& arguments, bool with_status)
     if (!file_args(arguments.files, parsed, QString()))
         return false;
     if (parsed.isEmpty())
-    {
-        message(2, QStringLiteral("Missing file arguments."));
-        return false;
-    }
+        return fail(QStringLiteral("Missing file arguments."));
     VCS_GIT_REPOSITORY& repo = depot.repo();
     VCS_GIT_WORKSPACE& workspace = depot.workspace();
     VCS_GIT_WORKSPACE::STATE_SCOPE scope(workspace);
@@ -765,10 +718,7 @@ bool VCS_GIT_VERBS::files(const ARGUMENTS& arguments, bool with_status)
     QString head;
     QString latest;
     if (!scope.begin(error) || !repo.fetch(error) || !repo.head(error, head) || !repo.latest(error, latest))
-    {
-        message(2, error);
-        return false;
-    }
+        return fail(error);
     for (const VCS_FILE_ARGUMENT& file_arg : qAsConst(parsed))
     {
         QString commit = latest;
@@ -776,22 +726,13 @@ bool VCS_GIT_VERBS::files(const ARGUMENTS& arguments, bool with_status)
             repo.commit_of_change(error, file_arg.revision_number(), commit);
         else if (file_arg.revision_kind() == VCS_FILE_ARGUMENT::REVISION_HAVE)
             commit = head;
-        const QString folder =
-            file_arg.has_wildcards() ? file_arg.fixed_directory() : file_arg.relative_pattern();
+        const QString folder = file_arg.search_folder();
         QHash<QString, QString> tree;
         QHash<QString, QPair<QString, QString>> have;
         if (!repo.tree(error, commit, folder, tree) ||
             (with_status && !workspace.have_files(error, folder, have)))
-        {
-            message(2, error);
-            return false;
-        }
-        QStringList paths;
-        for (auto it = tree.cbegin(); it != tree.cend(); ++it)
-        {
-            if (file_arg.matches(it.key()))
-                paths.append(it.key());
-        }
+            return fail(error);
+        QStringList paths = matching(file_arg, tree);
         if (with_status)
         {
             for (auto it = have.cbegin(); it != have.cend(); ++it)
@@ -896,10 +837,7 @@ bool VCS_GIT_VERBS::parse_form(const QString& input, int& number, QString& descr
         description_lines.removeLast();
     description = description_lines.join(QLatin1Char('\n'));
     if (!seen_change)
-    {
-        message(2, QStringLiteral("Error in change specification: missing field 'Change'."));
-        return false;
-    }
+        return fail(QStringLiteral("Error in change specification: missing field 'Change'."));
     return true;
 }
 
@@ -913,10 +851,7 @@ bool VCS_GIT_VERBS::change(const ARGUMENTS& arguments, const QString& input)
         if (!change_number(arguments.values.value(QStringLiteral("-d")), number))
             return false;
         if (!depot.delete_change(error, number))
-        {
-            message(2, error);
-            return false;
-        }
+            return fail(error);
         message(0, QStringLiteral("Change %1 deleted.").arg(number));
         return true;
     }
@@ -927,16 +862,10 @@ bool VCS_GIT_VERBS::change(const ARGUMENTS& arguments, const QString& input)
             return false;
         VCS_GIT_WORKSPACE::STATE_SCOPE scope(workspace);
         if (!scope.begin(error))
-        {
-            message(2, error);
-            return false;
-        }
+            return fail(error);
         const VCS_GIT_STATE& state = workspace.state();
         if (number != 0 && !state.pending.contains(number))
-        {
-            message(2, QStringLiteral("Change %1 unknown.").arg(number));
-            return false;
-        }
+            return fail(QStringLiteral("Change %1 unknown.").arg(number));
         message(
             0,
             QStringLiteral("Change:\t%1").arg(number == 0 ? QStringLiteral("new") : QString::number(number)));
@@ -963,53 +892,35 @@ bool VCS_GIT_VERBS::change(const ARGUMENTS& arguments, const QString& input)
         return true;
     }
     if (!arguments.has(QStringLiteral("-i")))
-    {
-        message(2, QStringLiteral("The git depot needs 'change -i', 'change -o' or 'change -d'."));
-        return false;
-    }
+        return fail(QStringLiteral("The git depot needs 'change -i', 'change -o' or 'change -d'."));
     int number = 0;
     QString description;
     QStringList files;
     if (!parse_form(input, number, description, files))
         return false;
     if (description.trimmed().isEmpty() || description.contains(QLatin1String("<enter description here>")))
-    {
-        message(2, QStringLiteral(
-                       "Error in change specification: change description missing.  You must enter one."));
-        return false;
-    }
+        return fail(QStringLiteral(
+            "Error in change specification: change description missing.  You must enter one."));
     VCS_GIT_WORKSPACE::STATE_SCOPE scope(workspace);
     if (!scope.begin(error))
-    {
-        message(2, error);
-        return false;
-    }
+        return fail(error);
     VCS_GIT_STATE& state = workspace.state();
     bool created = false;
     if (number == 0)
     {
         if (!depot.new_change(error, description, number))
-        {
-            message(2, error);
-            return false;
-        }
+            return fail(error);
         created = true;
     }
     else if (!state.pending.contains(number))
-    {
-        message(2, QStringLiteral("Change %1 unknown.").arg(number));
-        return false;
-    }
+        return fail(QStringLiteral("Change %1 unknown.").arg(number));
     else
         state.pending[number].description = description;
     for (const QString& file : qAsConst(files))
     {
         VCS_FILE_ARGUMENT file_arg;
         if (!file_arg.parse(error, file, depot.root(), depot.root()))
-        {
-            message(2, error);
-            return false;
-        }
+            return fail(error);
         if (!state.opened.contains(file_arg.relative_pattern()))
         {
             message(1, file + QStringLiteral(" - file(s) not opened on this client."));
@@ -1018,10 +929,7 @@ bool VCS_GIT_VERBS::change(const ARGUMENTS& arguments, const QString& input)
         state.opened[file_arg.relative_pattern()].change = number;
     }
     if (!workspace.save(error))
-    {
-        message(2, error);
-        return false;
-    }
+        return fail(error);
     message(0, QStringLiteral("Change %1 %2.")
                    .arg(number)
                    .arg(created ? QStringLiteral("created") : QStringLiteral("updated")));
@@ -1045,22 +953,13 @@ bool VCS_GIT_VERBS::reopen(const ARGUMENTS& arguments)
     VCS_GIT_WORKSPACE::STATE_SCOPE scope(workspace);
     QString error;
     if (!scope.begin(error))
-    {
-        message(2, error);
-        return false;
-    }
+        return fail(error);
     VCS_GIT_STATE& state = workspace.state();
     if (number != 0 && !state.pending.contains(number))
-    {
-        message(2, QStringLiteral("Change %1 unknown.").arg(number));
-        return false;
-    }
+        return fail(QStringLiteral("Change %1 unknown.").arg(number));
     for (auto it = state.opened.begin(); it != state.opened.end(); ++it)
     {
-        bool matched = false;
-        for (const VCS_FILE_ARGUMENT& file_arg : qAsConst(parsed))
-            matched = matched || file_arg.matches(it.key());
-        if (!matched)
+        if (!VCS_FILE_ARGUMENT::any_matches(parsed, it.key()))
             continue;
         it.value().change = number;
         VCS_ZTAG_RECORD entry;
@@ -1070,10 +969,7 @@ bool VCS_GIT_VERBS::reopen(const ARGUMENTS& arguments)
         record(entry);
     }
     if (!workspace.save(error))
-    {
-        message(2, error);
-        return false;
-    }
+        return fail(error);
     return true;
 }
 
@@ -1085,35 +981,15 @@ bool VCS_GIT_VERBS::submit(const ARGUMENTS& arguments, const QString& input)
     VCS_GIT_WORKSPACE& workspace = depot.workspace();
     VCS_GIT_WORKSPACE::STATE_SCOPE scope(workspace);
     if (!scope.begin(error))
-    {
-        message(2, error);
-        return false;
-    }
+        return fail(error);
     if (arguments.has(QStringLiteral("-i")))
     {
         QStringList form_files;
         if (!parse_form(input, number, description, form_files))
             return false;
-        if (number == 0)
-        {
-            // A new form names the default changelist's files to take.
-            QVector<VCS_FILE_ARGUMENT> parsed;
-            if (!file_args(form_files, parsed, QString()))
-                return false;
-            if (!depot.new_change(error, description, number))
-            {
-                message(2, error);
-                return false;
-            }
-            for (auto it = workspace.state().opened.begin(); it != workspace.state().opened.end(); ++it)
-            {
-                for (const VCS_FILE_ARGUMENT& file_arg : qAsConst(parsed))
-                {
-                    if (it.value().change == 0 && file_arg.matches(it.key()))
-                        it.value().change = number;
-                }
-            }
-        }
+        // A new form names the default changelist's files to take.
+        if (number == 0 && !move_default_files(form_files, description, number))
+            return false;
     }
     else if (arguments.values.contains(QStringLiteral("-c")))
     {
@@ -1121,35 +997,12 @@ bool VCS_GIT_VERBS::submit(const ARGUMENTS& arguments, const QString& input)
             return false;
     }
     else if (description.isEmpty())
-    {
-        message(2, QStringLiteral("Change description missing.  You must enter one (submit -d)."));
+        return fail(QStringLiteral("Change description missing.  You must enter one (submit -d)."));
+    // Only the named files of the default changelist go in.
+    else if (!arguments.files.isEmpty() && !move_default_files(arguments.files, description, number))
         return false;
-    }
-    else if (!arguments.files.isEmpty())
-    {
-        // Only the named files of the default changelist go in.
-        QVector<VCS_FILE_ARGUMENT> parsed;
-        if (!file_args(arguments.files, parsed, QString()))
-            return false;
-        if (!depot.new_change(error, description, number))
-        {
-            message(2, error);
-            return false;
-        }
-        for (auto it = workspace.state().opened.begin(); it != workspace.state().opened.end(); ++it)
-        {
-            for (const VCS_FILE_ARGUMENT& file_arg : qAsConst(parsed))
-            {
-                if (it.value().change == 0 && file_arg.matches(it.key()))
-                    it.value().change = number;
-            }
-        }
-    }
     if (!workspace.save(error))
-    {
-        message(2, error);
-        return false;
-    }
+        return fail(error);
     QStringList files;
     QStringList actions;
     for (auto it = workspace.state().opened.cbegin(); it != workspace.state().opened.cend(); ++it)
@@ -1178,9 +1031,7 @@ bool VCS_GIT_VERBS::submit(const ARGUMENTS& arguments, const QString& input)
     {
         VCS_ZTAG_RECORD entry;
         entry.set(QStringLiteral("depotFile"), depot.depot_path(files.at(i)));
-        entry.set(QStringLiteral("rev"), actions.at(i) == QLatin1String("delete")
-                                             ? depot.workspace().revision_at(head, files.at(i))
-                                             : workspace.revision_at(head, files.at(i)));
+        entry.set(QStringLiteral("rev"), workspace.revision_at(head, files.at(i)));
         entry.set(QStringLiteral("action"), actions.at(i));
         record(entry);
     }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "vcs_file_argument.h"
+#include "vcs_git_workspace.h"
 #include "vcs_types.h"
 #include "vcs_ztag_record.h"
 
@@ -9,6 +10,8 @@
 #include <QString>
 #include <QStringList>
 #include <QVector>
+
+#include <functional>
 
 class VCS_GIT_DEPOT;
 
@@ -62,6 +65,17 @@ private:
 
     void record(const VCS_ZTAG_RECORD& record);
     void message(int level, const QString& text);
+    // An error line; answers false for the caller to return.
+    bool fail(const QString& text);
+    // The depot and client file of a root-relative path.
+    void set_files(VCS_ZTAG_RECORD& entry, const QString& path) const;
+    // The outcome of a workspace operation: its error, or each item as a
+    // message or as a record that fill completes.
+    bool report(bool ok, const QString& error, const QVector<VCS_GIT_WORKSPACE::ITEM>& items,
+                const std::function<void(const VCS_GIT_WORKSPACE::ITEM&, VCS_ZTAG_RECORD&)>& fill,
+                bool write_records = true);
+    // A new changelist of the default changelist's opened files that match files.
+    bool move_default_files(const QStringList& files, const QString& description, int& number);
     bool file_args(const QStringList& texts, QVector<VCS_FILE_ARGUMENT>& out, const QString& fallback);
 
     VCS_GIT_DEPOT& depot;

@@ -1,5 +1,6 @@
 #include "vcs_git_workspace.h"
 
+#include "vcs_depot.h"
 #include "vcs_git_repository.h"
 
 #include <QDateTime>
@@ -16,23 +17,12 @@ bool under(const QString& path, const QString& folder)
     return folder.isEmpty() || path == folder || path.startsWith(folder + QLatin1Char('/'));
 }
 
-bool any_match(const QVector<VCS_FILE_ARGUMENT>& file_args, const QString& path)
-{
-    for (const VCS_FILE_ARGUMENT& file_arg : file_args)
-    {
-        if (file_arg.matches(path))
-            return true;
-    }
-    return false;
-}
-
 QStringList argument_folders(const QVector<VCS_FILE_ARGUMENT>& file_args)
 {
     QStringList folders;
     for (const VCS_FILE_ARGUMENT& file_arg : file_args)
     {
-        const QString folder =
-            file_arg.has_wildcards() ? file_arg.fixed_directory() : file_arg.relative_pattern();
+        const QString folder = file_arg.search_folder();
         if (folder.isEmpty())
             return {QString()};
         folders.append(folder);
@@ -44,22 +34,6 @@ QStringList argument_folders(const QVector<VCS_FILE_ARGUMENT>& file_args)
 bool is_marker(const QString& commit)
 {
     return commit == VCS_GIT_STATE::not_on_client();
-}
-
-QString action_text(VCS_ACTION action)
-{
-    switch (action)
-    {
-    case VCS_ACTION::ADD:
-        return QStringLiteral("add");
-    case VCS_ACTION::DELETE:
-        return QStringLiteral("delete");
-    case VCS_ACTION::EDIT:
-        return QStringLiteral("edit");
-    case VCS_ACTION::NONE:
-        break;
-    }
-    return QString();
 }
 } // namespace
 
@@ -217,7 +191,7 @@ bool VCS_GIT_WORKSPACE::local_state(QString& error, const QVector<VCS_FILE_ARGUM
     QStringList paths;
     for (const QString& path : qAsConst(candidates))
     {
-        if (any_match(file_args, path))
+        if (VCS_FILE_ARGUMENT::any_matches(file_args, path))
             paths.append(path);
     }
     paths.sort();
@@ -348,8 +322,7 @@ bool VCS_GIT_WORKSPACE::sync(QString& error, const QVector<VCS_FILE_ARGUMENT>& f
     QMap<QString, QString> targets;
     for (const VCS_FILE_ARGUMENT& file_arg : file_args)
     {
-        const QString folder =
-            file_arg.has_wildcards() ? file_arg.fixed_directory() : file_arg.relative_pattern();
+        const QString folder = file_arg.search_folder();
         QHash<QString, QPair<QString, QString>> have;
         if (!have_files(error, folder, have))
             return false;
@@ -571,7 +544,7 @@ bool VCS_GIT_WORKSPACE::resolve(QString& error, const QVector<VCS_FILE_ARGUMENT>
     QStringList paths;
     for (auto it = workspace_state.unresolved.cbegin(); it != workspace_state.unresolved.cend(); ++it)
     {
-        if (file_args.isEmpty() || any_match(file_args, it.key()))
+        if (file_args.isEmpty() || VCS_FILE_ARGUMENT::any_matches(file_args, it.key()))
             paths.append(it.key());
     }
     if (paths.isEmpty())
@@ -704,13 +677,13 @@ bool VCS_GIT_WORKSPACE::open(QString& error, const QVector<VCS_FILE_ARGUMENT>& f
         error = QStringLiteral("Change %1 unknown.").arg(change);
         return false;
     }
-    const QString action_name = action_text(action == VCS_ACTION::NONE ? VCS_ACTION::EDIT : action);
+    const QString action_name =
+        VCS_DEPOT::action_name(action == VCS_ACTION::NONE ? VCS_ACTION::EDIT : action);
     QStringList removals;
     bool changed_state = false;
     for (const VCS_FILE_ARGUMENT& file_arg : file_args)
     {
-        const QString folder =
-            file_arg.has_wildcards() ? file_arg.fixed_directory() : file_arg.relative_pattern();
+        const QString folder = file_arg.search_folder();
         QHash<QString, QPair<QString, QString>> have;
         if (!have_files(error, folder, have))
             return false;
@@ -833,7 +806,7 @@ bool VCS_GIT_WORKSPACE::revert(QString& error, const QVector<VCS_FILE_ARGUMENT>&
 
         ITEM item;
         item.path = state.path;
-        item.old_action = explicitly_opened ? state.opened_action : action_text(state.change);
+        item.old_action = explicitly_opened ? state.opened_action : VCS_DEPOT::action_name(state.change);
         item.revision = revision_at(state.have_commit, state.path);
         if (new_file)
         {
