@@ -136,6 +136,21 @@ bool VCS_DEPOT::any_errors(const QVector<VCS_OUTPUT_LINE>& output)
     return false;
 }
 
+bool VCS_DEPOT::may_release(QString& error, const QString& folder, bool& held)
+{
+    VCS_LOCK_INFO holder;
+    if (!lock_holder(error, folder, holder))
+        return false;
+    held = holder.held;
+    if (held && !is_mine(holder))
+    {
+        error =
+            QStringLiteral("The database is locked by %1; the lock was not released").arg(holder.describe());
+        return false;
+    }
+    return true;
+}
+
 QStringList VCS_DEPOT::describe_lines(const VCS_CHANGE_INFO& change)
 {
     QStringList lines;

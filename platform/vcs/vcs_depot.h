@@ -108,4 +108,14 @@ public:
     // file, "//" + the path below the workspace root + "#" + revision + " " +
     // action, so that "//" read as the client root gives the local file.
     static QStringList describe_lines(const VCS_CHANGE_INFO& change);
+
+protected:
+    // Whether holder is this user in this workspace.
+    bool is_mine(const VCS_LOCK_INFO& holder) const
+    {
+        return holder.held && holder.user == user_name() && holder.workspace == workspace_name();
+    }
+    // Before a release: false with the holder in error when another holds the
+    // lock; held tells whether anybody does.
+    bool may_release(QString& error, const QString& folder, bool& held);
 };

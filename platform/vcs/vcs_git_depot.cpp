@@ -865,10 +865,8 @@ bool VCS_GIT_DEPOT::lock(QString& error, const QString& folder)
     if (!repository.has_depot(error))
         return false;
     const QString ref = lock_ref(folder);
-    const QString me = user_name();
-    const QString workspace = workspace_name();
     const QString message = QStringLiteral("orbin lock %1\n\nuser: %2\nworkspace: %3\nhost: %4\ntime: %5\n")
-                                .arg(ref, me, workspace, VCS_IDENTITY::host_name(),
+                                .arg(ref, user_name(), workspace_name(), VCS_IDENTITY::host_name(),
                                      QDateTime::currentDateTimeUtc().toString(Qt::ISODate));
     QByteArray tree_output;
     if (!repository.git_ok(error, {QStringLiteral("mktree")}, &tree_output))
@@ -896,7 +894,7 @@ bool VCS_GIT_DEPOT::lock(QString& error, const QString& folder)
                     .arg(pushed.failure_text(QStringLiteral("git push")));
         return false;
     }
-    if (holder.held && holder.user == me && holder.workspace == workspace)
+    if (is_mine(holder))
         return true;
     if (holder.held)
     {
@@ -910,17 +908,11 @@ bool VCS_GIT_DEPOT::lock(QString& error, const QString& folder)
 
 bool VCS_GIT_DEPOT::unlock(QString& error, const QString& folder)
 {
-    VCS_LOCK_INFO holder;
-    if (!lock_holder(error, folder, holder))
+    bool held = false;
+    if (!may_release(error, folder, held))
         return false;
-    if (!holder.held)
+    if (!held)
         return true;
-    if (holder.user != user_name() || holder.workspace != workspace_name())
-    {
-        error =
-            QStringLiteral("The database is locked by %1; the lock was not released").arg(holder.describe());
-        return false;
-    }
     const QString ref = lock_ref(folder);
     QByteArray listing;
     if (!repository.git_ok(error, {QStringLiteral("ls-remote"), repository.remote(), ref}, &listing))

@@ -788,10 +788,10 @@ bool VCS_P4_DEPOT::lock(QString& error, const QString& folder)
     VCS_LOCK_INFO holder;
     if (!lock_holder(error, folder, holder))
         return false;
+    if (is_mine(holder))
+        return true;
     if (holder.held)
     {
-        if (holder.user == user_name() && holder.workspace == workspace_name())
-            return true;
         error = QStringLiteral("The database is locked by %1").arg(holder.describe());
         return false;
     }
@@ -844,8 +844,7 @@ bool VCS_P4_DEPOT::lock(QString& error, const QString& folder)
     {
         // Someone else took it between the look and the open.
         QString ignored;
-        if (lock_holder(ignored, folder, holder) && holder.held &&
-            (holder.user != user_name() || holder.workspace != workspace_name()))
+        if (lock_holder(ignored, folder, holder) && holder.held && !is_mine(holder))
             error = QStringLiteral("The database is locked by %1").arg(holder.describe());
         else
             error = opened.error.isEmpty() ? opened.messages.value(0) : opened.error;
@@ -856,17 +855,11 @@ bool VCS_P4_DEPOT::lock(QString& error, const QString& folder)
 
 bool VCS_P4_DEPOT::unlock(QString& error, const QString& folder)
 {
-    VCS_LOCK_INFO holder;
-    if (!lock_holder(error, folder, holder))
+    bool held = false;
+    if (!may_release(error, folder, held))
         return false;
-    if (!holder.held)
+    if (!held)
         return true;
-    if (holder.user != user_name() || holder.workspace != workspace_name())
-    {
-        error =
-            QStringLiteral("The database is locked by %1; the lock was not released").arg(holder.describe());
-        return false;
-    }
     const RESULT result = p4({QStringLiteral("revert"), lock_file(folder)});
     if (!result.ok)
     {
