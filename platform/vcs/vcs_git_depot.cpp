@@ -58,6 +58,14 @@ bool VCS_GIT_DEPOT::run(const QString& command, const QStringList& arguments, co
     return verbs.run(command, arguments, input, output);
 }
 
+bool VCS_GIT_DEPOT::in_view(QString& error, const QString& path, QString& out) const
+{
+    if (relative(path, out))
+        return true;
+    error = QStringLiteral("%1 - file(s) not in client view.").arg(path);
+    return false;
+}
+
 bool VCS_GIT_DEPOT::relative(const QString& path, QString& out) const
 {
     const QString cleaned = VCS_FILE_ARGUMENT::clean_path(
@@ -126,11 +134,8 @@ bool VCS_GIT_DEPOT::read_file(QString& error, const QString& file, const QString
     content.clear();
     exists = false;
     QString path;
-    if (!relative(file, path))
-    {
-        error = QStringLiteral("%1 - file(s) not in client view.").arg(file);
+    if (!in_view(error, file, path))
         return false;
-    }
     QString commit;
     static const QRegularExpression commit_id(QStringLiteral("^[0-9a-f]{40}$"));
     if (revision.isEmpty() || revision == QLatin1String("#none"))
@@ -193,11 +198,8 @@ bool VCS_GIT_DEPOT::have_change(QString& error, const QString& path, int& change
 {
     change = 0;
     QString folder;
-    if (!relative(path, folder))
-    {
-        error = QStringLiteral("%1 - file(s) not in client view.").arg(path);
+    if (!in_view(error, path, folder))
         return false;
-    }
     VCS_GIT_WORKSPACE::STATE_SCOPE scope(client);
     if (!scope.begin(error))
         return false;
@@ -239,11 +241,8 @@ bool VCS_GIT_DEPOT::head_change(QString& error, const QString& path, int& change
 {
     change = 0;
     QString folder;
-    if (!relative(path, folder))
-    {
-        error = QStringLiteral("%1 - file(s) not in client view.").arg(path);
+    if (!in_view(error, path, folder))
         return false;
-    }
     QString latest;
     QString commit;
     if (!repository.fetch(error) || !repository.latest(error, latest) ||
@@ -256,11 +255,8 @@ bool VCS_GIT_DEPOT::file_change(QString& error, const QString& file, int revisio
 {
     change = 0;
     QString path;
-    if (!relative(file, path))
-    {
-        error = QStringLiteral("%1 - file(s) not in client view.").arg(file);
+    if (!in_view(error, file, path))
         return false;
-    }
     QString commit;
     if (!repository.commit_of_file_revision(error, path, revision, commit))
         return false;
@@ -276,11 +272,8 @@ bool VCS_GIT_DEPOT::incoming(QString& error, const QString& path, QStringList& f
 {
     files.clear();
     QString folder;
-    if (!relative(path, folder))
-    {
-        error = QStringLiteral("%1 - file(s) not in client view.").arg(path);
+    if (!in_view(error, path, folder))
         return false;
-    }
     VCS_GIT_WORKSPACE::STATE_SCOPE scope(client);
     if (!scope.begin(error))
         return false;
@@ -311,11 +304,8 @@ bool VCS_GIT_DEPOT::incoming(QString& error, const QString& path, QStringList& f
 bool VCS_GIT_DEPOT::export_files(QString& error, const QString& directory, int change, const QString& target)
 {
     QString folder;
-    if (!relative(directory, folder))
-    {
-        error = QStringLiteral("%1 - file(s) not in client view.").arg(directory);
+    if (!in_view(error, directory, folder))
         return false;
-    }
     QString commit;
     if (!repository.fetch(error) || !repository.commit_of_change(error, change, commit))
         return false;
@@ -376,11 +366,8 @@ bool VCS_GIT_DEPOT::unresolved(QString& error, const QString& path, QVector<VCS_
 {
     out.clear();
     QString folder;
-    if (!relative(path, folder))
-    {
-        error = QStringLiteral("%1 - file(s) not in client view.").arg(path);
+    if (!in_view(error, path, folder))
         return false;
-    }
     VCS_GIT_WORKSPACE::STATE_SCOPE scope(client);
     if (!scope.begin(error))
         return false;

@@ -51,6 +51,8 @@ public:
     VCS_GIT_WORKSPACE& workspace() { return client; }
     // Root-relative form of a local path; false when it lies outside the workspace.
     bool relative(const QString& path, QString& out) const;
+    // The same, with the client's message when path lies outside.
+    bool in_view(QString& error, const QString& path, QString& out) const;
     QString depot_path(const QString& relative_path) const { return QStringLiteral("//") + relative_path; }
     // The ref on the remote that is the lock of a folder of the workspace.
     QString lock_ref(const QString& folder) const;
