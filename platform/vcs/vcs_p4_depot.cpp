@@ -32,6 +32,42 @@ bool is_benign(const QString& message)
     }
     return false;
 }
+
+// Takes the error of a failed run for the caller to return.
+bool failed(QString& error, const VCS_P4_DEPOT::RESULT& result)
+{
+    error = result.error;
+    return false;
+}
+
+// A changelist form with description in place of its own. Without files the
+// form also drops the files the client put in, as those of the default changelist.
+QByteArray with_description(const QStringList& form, const QString& description, bool keep_files)
+{
+    QStringList lines;
+    bool skipping = false;
+    for (const QString& line : form)
+    {
+        if (line.startsWith(QLatin1String("Description:")))
+        {
+            lines.append(line.left(12));
+            for (const QString& text : description.split(QLatin1Char('\n')))
+                lines.append(QLatin1Char('\t') + text);
+            skipping = true;
+            continue;
+        }
+        if (!keep_files && line.startsWith(QLatin1String("Files:")))
+        {
+            skipping = true;
+            continue;
+        }
+        if (skipping && (line.isEmpty() || line.at(0).isSpace()))
+            continue;
+        skipping = false;
+        lines.append(line);
+    }
+    return (lines.join(QLatin1Char('\n')) + QLatin1Char('\n')).toUtf8();
+}
 } // namespace
 
 QString VCS_P4_DEPOT::lock_file(const QString& folder)
@@ -212,10 +248,7 @@ bool VCS_P4_DEPOT::status(QString& error, const QString& path, QVector<VCS_FILE_
 
     const RESULT opened = p4({QStringLiteral("fstat"), QStringLiteral("-Ro"), file_arg});
     if (!opened.ok && !opened.messages.isEmpty() && !is_benign(opened.error))
-    {
-        error = opened.error;
-        return false;
-    }
+        return failed(error, opened);
     for (const VCS_ZTAG_RECORD& record : opened.records)
     {
         const QString local = VCS_FILE_ARGUMENT::clean_path(record.value(QStringLiteral("clientFile")));
@@ -249,10 +282,7 @@ bool VCS_P4_DEPOT::status(QString& error, const QString& path, QVector<VCS_FILE_
     // Changes made without opening the files (the client allows writable files).
     const RESULT loose = p4({QStringLiteral("reconcile"), QStringLiteral("-n"), file_arg});
     if (!loose.ok && !is_benign(loose.error))
-    {
-        error = loose.error;
-        return false;
-    }
+        return failed(error, loose);
     for (const VCS_ZTAG_RECORD& record : loose.records)
     {
         const QString local = VCS_FILE_ARGUMENT::clean_path(record.value(QStringLiteral("clientFile")));
@@ -291,10 +321,7 @@ bool VCS_P4_DEPOT::read_file(QString& error, const QString& file, const QString&
         return true;
     const RESULT printed = p4({QStringLiteral("print"), QStringLiteral("-q"), target}, QByteArray(), false);
     if (!printed.ok)
-    {
-        error = printed.error;
-        return false;
-    }
+        return failed(error, printed);
     content = printed.raw_output;
     exists = true;
     return true;
@@ -306,10 +333,7 @@ bool VCS_P4_DEPOT::have_change(QString& error, const QString& path, int& change)
     const RESULT result =
         p4({QStringLiteral("changes"), QStringLiteral("-m1"), argument_of(path) + QStringLiteral("#have")});
     if (!result.ok)
-    {
-        error = result.error;
-        return false;
-    }
+        return failed(error, result);
     if (!result.records.isEmpty())
         change = result.records.first().int_value(QStringLiteral("change"));
     return true;
@@ -321,10 +345,7 @@ bool VCS_P4_DEPOT::head_change(QString& error, const QString& path, int& change)
     const RESULT result = p4({QStringLiteral("changes"), QStringLiteral("-m1"), QStringLiteral("-s"),
                               QStringLiteral("submitted"), argument_of(path)});
     if (!result.ok)
-    {
-        error = result.error;
-        return false;
-    }
+        return failed(error, result);
     if (!result.records.isEmpty())
         change = result.records.first().int_value(QStringLiteral("change"));
     return true;
@@ -350,10 +371,7 @@ bool VCS_P4_DEPOT::incoming(QString& error, const QString& path, QStringList& fi
     files.clear();
     const RESULT result = p4({QStringLiteral("sync"), QStringLiteral("-n"), argument_of(path)});
     if (!result.ok && !is_benign(result.error))
-    {
-        error = result.error;
-        return false;
-    }
+        return failed(error, result);
     for (const VCS_ZTAG_RECORD& record : result.records)
     {
         const QString local = record.value(QStringLiteral("clientFile"));
@@ -429,16 +447,10 @@ bool VCS_P4_DEPOT::sync(QString& error, const QStringList& file_args, QStringLis
     }
     const RESULT reconciled = p4(QStringList{QStringLiteral("reconcile")} + plain);
     if (!reconciled.ok && !is_benign(reconciled.error))
-    {
-        error = reconciled.error;
-        return false;
-    }
+        return failed(error, reconciled);
     const RESULT result = p4(QStringList{QStringLiteral("sync")} + file_args);
     if (!result.ok && !is_benign(result.error))
-    {
-        error = result.error;
-        return false;
-    }
+        return failed(error, result);
     for (const VCS_ZTAG_RECORD& record : result.records)
     {
         const QString local = record.value(QStringLiteral("clientFile"));
@@ -453,10 +465,7 @@ bool VCS_P4_DEPOT::unresolved(QString& error, const QString& path, QVector<VCS_U
     out.clear();
     const RESULT result = p4({QStringLiteral("resolve"), QStringLiteral("-n"), argument_of(path)});
     if (!result.ok && !is_benign(result.error))
-    {
-        error = result.error;
-        return false;
-    }
+        return failed(error, result);
     for (const VCS_ZTAG_RECORD& record : result.records)
     {
         VCS_UNRESOLVED entry;
@@ -489,10 +498,7 @@ bool VCS_P4_DEPOT::resolve(QString& error, const QStringList& files, VCS_RESOLVE
                                                             : QStringLiteral("-am");
     const RESULT result = p4(QStringList{QStringLiteral("resolve"), flag} + files);
     if (!result.ok && !is_benign(result.error))
-    {
-        error = result.error;
-        return false;
-    }
+        return failed(error, result);
     for (const QString& message : result.messages)
     {
         if (message.contains(QLatin1String("resolve skipped")))
@@ -512,10 +518,7 @@ bool VCS_P4_DEPOT::open(QString& error, const QStringList& files, VCS_ACTION act
     arguments += files;
     const RESULT result = p4(arguments);
     if (!result.ok)
-    {
-        error = result.error;
-        return false;
-    }
+        return failed(error, result);
     for (const QString& message : result.messages)
     {
         if (message.contains(QLatin1String("can't")) || message.contains(QLatin1String("not on client")) ||
@@ -539,10 +542,7 @@ bool VCS_P4_DEPOT::revert(QString& error, const QStringList& file_args, bool kee
         // takes back every local change.
         const RESULT reconciled = p4(QStringList{QStringLiteral("reconcile")} + plain);
         if (!reconciled.ok && !is_benign(reconciled.error))
-        {
-            error = reconciled.error;
-            return false;
-        }
+            return failed(error, reconciled);
     }
     QStringList arguments{QStringLiteral("revert")};
     if (keep_content)
@@ -551,10 +551,7 @@ bool VCS_P4_DEPOT::revert(QString& error, const QStringList& file_args, bool kee
         arguments << QStringLiteral("-w");
     const RESULT result = p4(arguments + plain);
     if (!result.ok && !is_benign(result.error))
-    {
-        error = result.error;
-        return false;
-    }
+        return failed(error, result);
     return true;
 }
 
@@ -563,40 +560,11 @@ bool VCS_P4_DEPOT::new_change(QString& error, const QString& description, int& c
     change = 0;
     const RESULT form = p4({QStringLiteral("change"), QStringLiteral("-o")}, QByteArray(), false);
     if (!form.ok)
-    {
-        error = form.error;
-        return false;
-    }
-    // The form with the new description and without the default changelist's files.
-    QStringList lines;
-    bool skipping = false;
-    for (const QString& line : form.untagged)
-    {
-        if (line.startsWith(QLatin1String("Description:")))
-        {
-            lines.append(line.left(12));
-            for (const QString& text : description.split(QLatin1Char('\n')))
-                lines.append(QLatin1Char('\t') + text);
-            skipping = true;
-            continue;
-        }
-        if (line.startsWith(QLatin1String("Files:")))
-        {
-            skipping = true;
-            continue;
-        }
-        if (skipping && (line.isEmpty() || line.at(0).isSpace()))
-            continue;
-        skipping = false;
-        lines.append(line);
-    }
+        return failed(error, form);
     const RESULT created = p4({QStringLiteral("change"), QStringLiteral("-i")},
-                              (lines.join(QLatin1Char('\n')) + QLatin1Char('\n')).toUtf8(), false);
+                              with_description(form.untagged, description, false), false);
     if (!created.ok)
-    {
-        error = created.error;
-        return false;
-    }
+        return failed(error, created);
     static const QRegularExpression number(QStringLiteral("Change (\\d+) created"));
     const QRegularExpressionMatch match = number.match(created.untagged.join(QLatin1Char('\n')));
     if (!match.hasMatch())
@@ -620,10 +588,7 @@ bool VCS_P4_DEPOT::pending_changes(QString& error, QVector<VCS_CHANGE_INFO>& out
     const RESULT result = p4({QStringLiteral("changes"), QStringLiteral("-l"), QStringLiteral("-s"),
                               QStringLiteral("pending"), QStringLiteral("-c"), client});
     if (!result.ok)
-    {
-        error = result.error;
-        return false;
-    }
+        return failed(error, result);
     for (const VCS_ZTAG_RECORD& record : result.records)
     {
         VCS_CHANGE_INFO info;
@@ -642,10 +607,7 @@ bool VCS_P4_DEPOT::delete_change(QString& error, int change)
     const RESULT result =
         p4({QStringLiteral("change"), QStringLiteral("-d"), QString::number(change)}, QByteArray(), false);
     if (!result.ok)
-    {
-        error = result.error;
-        return false;
-    }
+        return failed(error, result);
     return true;
 }
 
@@ -660,34 +622,11 @@ bool VCS_P4_DEPOT::submit(QString& error, int change, const QString& description
             const RESULT form = p4({QStringLiteral("change"), QStringLiteral("-o"), QString::number(change)},
                                    QByteArray(), false);
             if (!form.ok)
-            {
-                error = form.error;
-                return false;
-            }
-            QStringList lines;
-            bool skipping = false;
-            for (const QString& line : form.untagged)
-            {
-                if (line.startsWith(QLatin1String("Description:")))
-                {
-                    lines.append(line.left(12));
-                    for (const QString& text : description.split(QLatin1Char('\n')))
-                        lines.append(QLatin1Char('\t') + text);
-                    skipping = true;
-                    continue;
-                }
-                if (skipping && (line.isEmpty() || line.at(0).isSpace()))
-                    continue;
-                skipping = false;
-                lines.append(line);
-            }
+                return failed(error, form);
             const RESULT updated = p4({QStringLiteral("change"), QStringLiteral("-i")},
-                                      (lines.join(QLatin1Char('\n')) + QLatin1Char('\n')).toUtf8(), false);
+                                      with_description(form.untagged, description, true), false);
             if (!updated.ok)
-            {
-                error = updated.error;
-                return false;
-            }
+                return failed(error, updated);
         }
         arguments << QStringLiteral("-c") << QString::number(change);
     }
@@ -695,10 +634,7 @@ bool VCS_P4_DEPOT::submit(QString& error, int change, const QString& description
         arguments << QStringLiteral("-d") << description;
     const RESULT result = p4(arguments);
     if (!result.ok)
-    {
-        error = result.error;
-        return false;
-    }
+        return failed(error, result);
     for (const VCS_ZTAG_RECORD& record : result.records)
     {
         if (record.contains(QStringLiteral("submittedChange")))
@@ -768,10 +704,7 @@ bool VCS_P4_DEPOT::lock_holder(QString& error, const QString& folder, VCS_LOCK_I
     holder = VCS_LOCK_INFO();
     const RESULT result = p4({QStringLiteral("opened"), QStringLiteral("-a"), lock_file(folder)});
     if (!result.ok && !is_benign(result.error))
-    {
-        error = result.error;
-        return false;
-    }
+        return failed(error, result);
     for (const VCS_ZTAG_RECORD& record : result.records)
     {
         holder.held = true;
@@ -814,26 +747,17 @@ bool VCS_P4_DEPOT::lock(QString& error, const QString& folder)
         const RESULT added =
             p4({QStringLiteral("add"), QStringLiteral("-t"), QStringLiteral("text+l"), file});
         if (!added.ok)
-        {
-            error = added.error;
-            return false;
-        }
+            return failed(error, added);
         const RESULT submitted =
             p4({QStringLiteral("submit"), QStringLiteral("-d"), QStringLiteral("Database lock file"), file});
         if (!submitted.ok)
-        {
-            error = submitted.error;
-            return false;
-        }
+            return failed(error, submitted);
     }
     else
     {
         const RESULT synced = p4({QStringLiteral("sync"), file});
         if (!synced.ok && !is_benign(synced.error))
-        {
-            error = synced.error;
-            return false;
-        }
+            return failed(error, synced);
     }
     const RESULT opened = p4({QStringLiteral("edit"), QStringLiteral("-t"), QStringLiteral("text+l"), file});
     bool refused = !opened.ok;
@@ -862,9 +786,6 @@ bool VCS_P4_DEPOT::unlock(QString& error, const QString& folder)
         return true;
     const RESULT result = p4({QStringLiteral("revert"), lock_file(folder)});
     if (!result.ok)
-    {
-        error = result.error;
-        return false;
-    }
+        return failed(error, result);
     return true;
 }
