@@ -39,20 +39,67 @@ void groupbox(QXmlStreamWriter& xml, const QString& title, const BODY& body)
     });
 }
 
+// A subform of the form's own records, at its top; name may be empty.
+void base_subform(QXmlStreamWriter& xml, const QString& name, const QString& table, const QString& switching,
+                  const BODY& body)
+{
+    block(xml, QStringLiteral("subform_table"), [&](QXmlStreamWriter& inner) {
+        if (!name.isEmpty())
+            element(inner, QStringLiteral("subform_name"), name);
+        element(inner, QStringLiteral("table_name"), table);
+        inner.writeEmptyElement(QStringLiteral("base_node"));
+        element(inner, QStringLiteral("record_switching"), switching);
+        body(inner);
+    });
+}
+
+// A subform of the records of table whose filter field holds the parent's current parent field.
+void child_subform(QXmlStreamWriter& xml, const QString& name, const QString& table, const QString& parent,
+                   const QString& parent_field, const QString& filter_field, const BODY& body)
+{
+    block(xml, QStringLiteral("subform_table"), [&](QXmlStreamWriter& inner) {
+        element(inner, QStringLiteral("subform_name"), name);
+        element(inner, QStringLiteral("table_name"), table);
+        element(inner, QStringLiteral("parent_table"), parent);
+        element(inner, QStringLiteral("parent_field"), parent_field);
+        element(inner, QStringLiteral("filter_field"), filter_field);
+        body(inner);
+    });
+}
+
+// Field nodes of one kind each: {node, field}.
+void fields(QXmlStreamWriter& xml, std::initializer_list<std::pair<const char*, const char*>> nodes)
+{
+    for (const auto& node : nodes)
+        element(xml, QLatin1String(node.first), QLatin1String(node.second));
+}
+
+// A grid of {field, title} columns; fields named in memo edit long text.
+void grid(QXmlStreamWriter& xml, std::initializer_list<std::pair<const char*, const char*>> columns,
+          const QStringList& memo = QStringList())
+{
+    block(xml, QStringLiteral("edit_grid"), [&](QXmlStreamWriter& inner) {
+        for (const auto& column : columns)
+        {
+            const QString field = QLatin1String(column.first);
+            named(inner,
+                  memo.contains(field) ? QStringLiteral("memo_grid_column")
+                                       : QStringLiteral("edit_grid_column"),
+                  field, QLatin1String(column.second));
+        }
+    });
+}
+
 void units(QXmlStreamWriter& xml)
 {
-    block(xml, "subform_table", [](QXmlStreamWriter& xml) {
-        element(xml, "subform_name", "unit");
-        element(xml, "table_name", "main_units");
-        xml.writeEmptyElement("base_node");
-        element(xml, "record_switching", "dropdown");
+    base_subform(xml, "unit", "main_units", "dropdown", [](QXmlStreamWriter& xml) {
         block(xml, "rows", [](QXmlStreamWriter& xml) {
             groupbox(xml, "Unit", [](QXmlStreamWriter& xml) {
                 block(xml, "columns", [](QXmlStreamWriter& xml) {
-                    element(xml, "static_text_field", "unit");
-                    element(xml, "combo_box_field", "land_unit");
-                    element(xml, "combo_box_field", "culture");
-                    element(xml, "combo_box_field", "weight");
+                    fields(xml, {{"static_text_field", "unit"},
+                                 {"combo_box_field", "land_unit"},
+                                 {"combo_box_field", "culture"},
+                                 {"combo_box_field", "weight"}});
                 });
             });
             groupbox(xml, "Recruitment", [](QXmlStreamWriter& xml) {
@@ -60,46 +107,35 @@ void units(QXmlStreamWriter& xml)
                     named(xml, "text_edit_field", "cost", "cost");
                     named(xml, "text_edit_field", "upkeep", "upkeep_cost");
                     named(xml, "eval", "upkeep_share", "upkeep / cost * 100");
-                    element(xml, "text_edit_field", "tier");
-                    element(xml, "check_box_field", "recruitable");
-                    element(xml, "check_box_field", "is_naval");
+                    fields(xml, {{"text_edit_field", "tier"},
+                                 {"check_box_field", "recruitable"},
+                                 {"check_box_field", "is_naval"}});
                     xml.writeEmptyElement("spacer");
                 });
             });
             element(xml, "button_export_to_excel", "Copy unit as excel");
         });
     });
-    block(xml, "subform_table", [](QXmlStreamWriter& xml) {
-        element(xml, "subform_name", "factions_of_unit");
-        element(xml, "table_name", "units_to_factions");
-        element(xml, "parent_table", "unit");
-        element(xml, "parent_field", "unit");
-        element(xml, "filter_field", "unit");
-        xml.writeEmptyElement("junction_table");
-        block(xml, "columns", [](QXmlStreamWriter& xml) {
-            block(xml, "edit_grid", [](QXmlStreamWriter& xml) {
-                named(xml, "edit_grid_column", "faction", "Faction");
-                named(xml, "edit_grid_column", "allowed", "Allowed");
-                named(xml, "edit_grid_column", "exclusive", "Exclusive");
+    child_subform(
+        xml, "factions_of_unit", "units_to_factions", "unit", "unit", "unit", [](QXmlStreamWriter& xml) {
+            xml.writeEmptyElement("junction_table");
+            block(xml, "columns", [](QXmlStreamWriter& xml) {
+                grid(xml, {{"faction", "Faction"}, {"allowed", "Allowed"}, {"exclusive", "Exclusive"}});
+                xml.writeEmptyElement("junction_new_button");
             });
-            xml.writeEmptyElement("junction_new_button");
         });
-    });
 }
 
 void factions(QXmlStreamWriter& xml)
 {
-    block(xml, "subform_table", [](QXmlStreamWriter& xml) {
-        element(xml, "table_name", "factions");
-        xml.writeEmptyElement("base_node");
-        element(xml, "record_switching", "true");
+    base_subform(xml, QString(), "factions", "true", [](QXmlStreamWriter& xml) {
         block(xml, "columns", [](QXmlStreamWriter& xml) {
             block(xml, "rows", [](QXmlStreamWriter& xml) {
-                element(xml, "static_text_field", "key");
-                element(xml, "text_edit_field", "screen_name");
-                element(xml, "combo_box_field", "culture");
-                element(xml, "combo_box_field", "horde_type");
-                element(xml, "check_box_field", "is_rebel");
+                fields(xml, {{"static_text_field", "key"},
+                             {"text_edit_field", "screen_name"},
+                             {"combo_box_field", "culture"},
+                             {"combo_box_field", "horde_type"},
+                             {"check_box_field", "is_rebel"}});
             });
             groupbox(xml, "Colour", [](QXmlStreamWriter& xml) {
                 block(xml, "rows", [](QXmlStreamWriter& xml) {
@@ -111,92 +147,61 @@ void factions(QXmlStreamWriter& xml)
             });
         });
     });
-    block(xml, "subform_table", [](QXmlStreamWriter& xml) {
-        element(xml, "subform_name", "start_positions");
-        element(xml, "table_name", "start_pos_factions");
-        element(xml, "parent_table", "factions");
-        element(xml, "parent_field", "key");
-        element(xml, "filter_field", "faction");
-        xml.writeEmptyElement("read_only");
-        block(xml, "edit_grid", [](QXmlStreamWriter& xml) {
-            named(xml, "edit_grid_column", "campaign", "Campaign");
-            named(xml, "edit_grid_column", "playable", "Playable");
-            named(xml, "edit_grid_column", "treasury", "Treasury");
+    child_subform(
+        xml, "start_positions", "start_pos_factions", "factions", "key", "faction",
+        [](QXmlStreamWriter& xml) {
+            xml.writeEmptyElement("read_only");
+            grid(xml, {{"campaign", "Campaign"}, {"playable", "Playable"}, {"treasury", "Treasury"}});
         });
-    });
 }
 
 void buildings(QXmlStreamWriter& xml)
 {
-    block(xml, "subform_table", [](QXmlStreamWriter& xml) {
-        element(xml, "subform_name", "chain");
-        element(xml, "table_name", "building_chains");
-        xml.writeEmptyElement("base_node");
-        element(xml, "record_switching", "0");
+    base_subform(xml, "chain", "building_chains", "0", [](QXmlStreamWriter& xml) {
         block(xml, "columns", [](QXmlStreamWriter& xml) {
-            element(xml, "static_text_field", "key");
-            element(xml, "text_edit_field", "onscreen_name");
-            element(xml, "combo_box_field", "category");
+            fields(xml, {{"static_text_field", "key"},
+                         {"text_edit_field", "onscreen_name"},
+                         {"combo_box_field", "category"}});
         });
     });
-    block(xml, "subform_table", [](QXmlStreamWriter& xml) {
-        element(xml, "subform_name", "levels");
-        element(xml, "table_name", "building_levels");
-        element(xml, "parent_table", "chain");
-        element(xml, "parent_field", "key");
-        element(xml, "filter_field", "chain");
-        block(xml, "edit_grid", [](QXmlStreamWriter& xml) {
-            named(xml, "edit_grid_column", "key", "Key");
-            named(xml, "edit_grid_column", "level", "Level");
-            named(xml, "memo_grid_column", "onscreen_name", "Name");
-            named(xml, "edit_grid_column", "cost", "Cost");
-            named(xml, "edit_grid_column", "turns", "Turns");
-            named(xml, "edit_grid_column", "required_technology", "Technology");
-        });
+    child_subform(xml, "levels", "building_levels", "chain", "key", "chain", [](QXmlStreamWriter& xml) {
+        grid(xml,
+             {{"key", "Key"},
+              {"level", "Level"},
+              {"onscreen_name", "Name"},
+              {"cost", "Cost"},
+              {"turns", "Turns"},
+              {"required_technology", "Technology"}},
+             {"onscreen_name"});
         xml.writeEmptyElement("new_button");
     });
 }
 
 void start_positions(QXmlStreamWriter& xml)
 {
-    block(xml, "subform_table", [](QXmlStreamWriter& xml) {
-        element(xml, "subform_name", "campaign");
-        element(xml, "table_name", "campaigns");
-        xml.writeEmptyElement("base_node");
-        element(xml, "record_switching", "dropdown");
+    base_subform(xml, "campaign", "campaigns", "dropdown", [](QXmlStreamWriter& xml) {
         block(xml, "columns", [](QXmlStreamWriter& xml) {
-            element(xml, "static_text_field", "campaign_name");
-            element(xml, "text_edit_field", "onscreen_name");
+            fields(xml, {{"static_text_field", "campaign_name"}, {"text_edit_field", "onscreen_name"}});
             named(xml, "text_edit_field", "start", "start_year");
             named(xml, "text_edit_field", "turns", "turns_per_year");
             named(xml, "eval", "years_in_100_turns", "100 / turns");
             element(xml, "check_box_field", "playable");
         });
     });
-    block(xml, "subform_table", [](QXmlStreamWriter& xml) {
-        element(xml, "subform_name", "factions");
-        element(xml, "table_name", "start_pos_factions");
-        element(xml, "parent_table", "campaign");
-        element(xml, "parent_field", "campaign_name");
-        element(xml, "filter_field", "campaign");
+    child_subform(xml, "factions", "start_pos_factions", "campaign", "campaign_name", "campaign",
+                  [](QXmlStreamWriter& xml) {
+                      element(xml, "record_switching", "true");
+                      block(xml, "columns", [](QXmlStreamWriter& xml) {
+                          fields(xml, {{"combo_box_field", "faction"},
+                                       {"check_box_field", "playable"},
+                                       {"text_edit_field", "treasury"}});
+                      });
+                      xml.writeEmptyElement("new_button");
+                  });
+    child_subform(xml, "armies", "start_pos_armies", "factions", "ID", "faction", [](QXmlStreamWriter& xml) {
         element(xml, "record_switching", "true");
         block(xml, "columns", [](QXmlStreamWriter& xml) {
-            element(xml, "combo_box_field", "faction");
-            element(xml, "check_box_field", "playable");
-            element(xml, "text_edit_field", "treasury");
-        });
-        xml.writeEmptyElement("new_button");
-    });
-    block(xml, "subform_table", [](QXmlStreamWriter& xml) {
-        element(xml, "subform_name", "armies");
-        element(xml, "table_name", "start_pos_armies");
-        element(xml, "parent_table", "factions");
-        element(xml, "parent_field", "ID");
-        element(xml, "filter_field", "faction");
-        element(xml, "record_switching", "true");
-        block(xml, "columns", [](QXmlStreamWriter& xml) {
-            element(xml, "static_text_field", "key");
-            element(xml, "text_edit_field", "army_name");
+            fields(xml, {{"static_text_field", "key"}, {"text_edit_field", "army_name"}});
             block(xml, "filtered_combo_box", [](QXmlStreamWriter& xml) {
                 xml.writeStartElement("section_link_filter");
                 xml.writeAttribute("filter_field", "faction");
@@ -207,50 +212,34 @@ void start_positions(QXmlStreamWriter& xml)
             });
         });
     });
-    block(xml, "subform_table", [](QXmlStreamWriter& xml) {
-        element(xml, "subform_name", "army_units");
-        element(xml, "table_name", "start_pos_army_units");
-        element(xml, "parent_table", "armies");
-        element(xml, "parent_field", "key");
-        element(xml, "filter_field", "army");
-        block(xml, "edit_grid", [](QXmlStreamWriter& xml) {
-            named(xml, "edit_grid_column", "unit", "Unit");
-            named(xml, "edit_grid_column", "experience", "Experience");
-            named(xml, "edit_grid_column", "strength", "Strength");
-        });
-        xml.writeEmptyElement("new_button");
-    });
+    child_subform(xml, "army_units", "start_pos_army_units", "armies", "key", "army",
+                  [](QXmlStreamWriter& xml) {
+                      grid(xml, {{"unit", "Unit"}, {"experience", "Experience"}, {"strength", "Strength"}});
+                      xml.writeEmptyElement("new_button");
+                  });
 }
 
 void advice(QXmlStreamWriter& xml)
 {
-    block(xml, "subform_table", [](QXmlStreamWriter& xml) {
-        element(xml, "subform_name", "thread");
-        element(xml, "table_name", "advice_threads");
-        xml.writeEmptyElement("base_node");
-        element(xml, "record_switching", "true");
+    base_subform(xml, "thread", "advice_threads", "true", [](QXmlStreamWriter& xml) {
         groupbox(xml, "Advice", [](QXmlStreamWriter& xml) {
-            element(xml, "static_text_field", "key");
-            element(xml, "text_edit_field", "title");
-            element(xml, "memo_edit_field", "text");
-            element(xml, "text_edit_field", "priority");
+            fields(xml, {{"static_text_field", "key"},
+                         {"text_edit_field", "title"},
+                         {"memo_edit_field", "text"},
+                         {"text_edit_field", "priority"}});
         });
     });
-    block(xml, "subform_table", [](QXmlStreamWriter& xml) {
-        element(xml, "subform_name", "triggers");
-        element(xml, "table_name", "advice_triggers");
-        element(xml, "parent_table", "thread");
-        element(xml, "parent_field", "key");
-        element(xml, "filter_field", "advice_thread");
-        xml.writeEmptyElement("use_parent_groupbox");
-        block(xml, "edit_grid", [](QXmlStreamWriter& xml) {
-            named(xml, "edit_grid_column", "key", "Trigger");
-            named(xml, "edit_grid_column", "event", "Event");
-            named(xml, "memo_grid_column", "condition", "Condition");
-            named(xml, "edit_grid_column", "once_per_campaign", "Once");
-        });
-        xml.writeEmptyElement("new_button");
-    });
+    child_subform(xml, "triggers", "advice_triggers", "thread", "key", "advice_thread",
+                  [](QXmlStreamWriter& xml) {
+                      xml.writeEmptyElement("use_parent_groupbox");
+                      grid(xml,
+                           {{"key", "Trigger"},
+                            {"event", "Event"},
+                            {"condition", "Condition"},
+                            {"once_per_campaign", "Once"}},
+                           {"condition"});
+                      xml.writeEmptyElement("new_button");
+                  });
 }
 
 struct FORM
