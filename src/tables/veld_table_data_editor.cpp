@@ -879,57 +879,63 @@ void VELD_TABLE_DATA_EDITOR::update_field_descrption(int column_index)
 // ---------------------------------------------------------------------------
 // Filter rows
 
-void VELD_TABLE_DATA_EDITOR::addFilterWidget()
+VELD_RegexFilterWidget* VELD_TABLE_DATA_EDITOR::add_filter_row(QWidget* panel, QVBoxLayout* rows,
+                                                               QList<VELD_RegexFilterWidget*>& widgets,
+                                                               bool with_joins)
 {
-    auto* widget = new VELD_RegexFilterWidget(
-        m_table_schema ? m_table_schema->column_ordering() : QStringList(), m_ui.filtersPanel);
-    m_filter_widgets.append(widget);
-    m_ui.filterRows->addWidget(widget);
-    connect(widget, &VELD_RegexFilterWidget::removeRequest, this,
-            &VELD_TABLE_DATA_EDITOR::removeFilterWidget);
-    connect(widget, &VELD_RegexFilterWidget::filterChanged, this, &VELD_TABLE_DATA_EDITOR::onFilterChanged);
+    auto* widget =
+        new VELD_RegexFilterWidget(m_table_schema ? m_table_schema->column_ordering() : QStringList(), panel);
+    if (!with_joins)
+        widget->set_bracket_and_join_controls_visible(false);
+    widgets.append(widget);
+    rows->addWidget(widget);
     widget->show();
     m_ui.fit_filter_panels();
     m_proxy.invalidate();
+    return widget;
 }
 
-void VELD_TABLE_DATA_EDITOR::removeFilterWidget(VELD_RegexFilterWidget* widget)
+bool VELD_TABLE_DATA_EDITOR::remove_filter_row(VELD_RegexFilterWidget* widget, QVBoxLayout* rows,
+                                               QList<VELD_RegexFilterWidget*>& widgets)
 {
-    if (!m_filter_widgets.removeAll(widget))
-        return;
-    m_ui.filterRows->removeWidget(widget);
+    if (!widgets.removeAll(widget))
+        return false;
+    rows->removeWidget(widget);
     widget->hide();
     m_ui.fit_filter_panels();
     // The row asked for its own removal from one of its slots: it goes once
     // that returns.
     widget->deleteLater();
+    return true;
+}
+
+void VELD_TABLE_DATA_EDITOR::addFilterWidget()
+{
+    auto* widget = add_filter_row(m_ui.filtersPanel, m_ui.filterRows, m_filter_widgets, true);
+    connect(widget, &VELD_RegexFilterWidget::removeRequest, this,
+            &VELD_TABLE_DATA_EDITOR::removeFilterWidget);
+    connect(widget, &VELD_RegexFilterWidget::filterChanged, this, &VELD_TABLE_DATA_EDITOR::onFilterChanged);
+}
+
+void VELD_TABLE_DATA_EDITOR::removeFilterWidget(VELD_RegexFilterWidget* widget)
+{
     // The expression points at its rows: built again without this one before
     // any row is tested.
-    onFilterChanged();
+    if (remove_filter_row(widget, m_ui.filterRows, m_filter_widgets))
+        onFilterChanged();
 }
 
 void VELD_TABLE_DATA_EDITOR::addComboFilterWidget()
 {
-    auto* widget = new VELD_RegexFilterWidget(
-        m_table_schema ? m_table_schema->column_ordering() : QStringList(), m_ui.dropdownFiltersPanel);
-    widget->set_bracket_and_join_controls_visible(false);
-    m_dropdown_filter_widgets.append(widget);
-    m_ui.dropdownFilterRows->addWidget(widget);
+    auto* widget =
+        add_filter_row(m_ui.dropdownFiltersPanel, m_ui.dropdownFilterRows, m_dropdown_filter_widgets, false);
     connect(widget, &VELD_RegexFilterWidget::removeRequest, this,
             &VELD_TABLE_DATA_EDITOR::removeComboFilterWidget);
-    widget->show();
-    m_ui.fit_filter_panels();
-    m_proxy.invalidate();
 }
 
 void VELD_TABLE_DATA_EDITOR::removeComboFilterWidget(VELD_RegexFilterWidget* widget)
 {
-    if (!m_dropdown_filter_widgets.removeAll(widget))
-        return;
-    m_ui.dropdownFilterRows->removeWidget(widget);
-    widget->hide();
-    m_ui.fit_filter_panels();
-    widget->deleteLater();
+    remove_filter_row(widget, m_ui.dropdownFilterRows, m_dropdown_filter_widgets);
 }
 
 void VELD_TABLE_DATA_EDITOR::onFilterChanged()
@@ -944,38 +950,37 @@ void VELD_TABLE_DATA_EDITOR::onFilterChanged()
 // ---------------------------------------------------------------------------
 // Modification dates
 
+void VELD_TABLE_DATA_EDITOR::date_filter_changed(bool refilter)
+{
+    if (refilter)
+        m_proxy.invalidate();
+    // The counts are shown again even when the rows are not filtered again.
+    show_counts();
+    emit modifiedFilterUpdated();
+}
+
 void VELD_TABLE_DATA_EDITOR::recordModificationFilterEnabledChanged(int enabled_state)
 {
     m_proxy.set_date_filter_on(enabled_state == Qt::Checked);
-    m_proxy.invalidate();
-    show_counts();
-    emit modifiedFilterUpdated();
+    date_filter_changed(true);
 }
 
 void VELD_TABLE_DATA_EDITOR::showOldRecordsChanged(int enabledState)
 {
     m_proxy.set_show_old_records(enabledState == Qt::Checked);
-    m_proxy.invalidate();
-    show_counts();
-    emit modifiedFilterUpdated();
+    date_filter_changed(true);
 }
 
 void VELD_TABLE_DATA_EDITOR::modifiedBeforeDateTimeChanged(const QDateTime& newDate)
 {
     m_proxy.set_modified_before(newDate.toMSecsSinceEpoch());
-    if (m_proxy.date_filter_on())
-        m_proxy.invalidate();
-    show_counts();
-    emit modifiedFilterUpdated();
+    date_filter_changed(m_proxy.date_filter_on());
 }
 
 void VELD_TABLE_DATA_EDITOR::modifiedAfterDateTimeChanged(const QDateTime& newDate)
 {
     m_proxy.set_modified_after(newDate.toMSecsSinceEpoch());
-    if (m_proxy.date_filter_on())
-        m_proxy.invalidate();
-    show_counts();
-    emit modifiedFilterUpdated();
+    date_filter_changed(m_proxy.date_filter_on());
 }
 
 void VELD_TABLE_DATA_EDITOR::modifiedTodayButtonPressed()

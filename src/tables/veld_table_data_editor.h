@@ -169,6 +169,12 @@ private:
     void import_csv_rows(const CSV_TABLE_READER& reader);
     VELD_TABLE_DATA_EDITOR* open_editor_of(const QString& table, bool read_only, QString& error);
     const KOR_FIELD_SCHEMA* field_of_current_cell() const;
+    // A filter row added to one of the two panels, and taken out again (false when not there).
+    VELD_RegexFilterWidget* add_filter_row(QWidget* panel, QVBoxLayout* rows,
+                                           QList<VELD_RegexFilterWidget*>& widgets, bool with_joins);
+    bool remove_filter_row(VELD_RegexFilterWidget* widget, QVBoxLayout* rows,
+                           QList<VELD_RegexFilterWidget*>& widgets);
+    void date_filter_changed(bool refilter);
 
     QList<VELD_RegexFilterWidget*> m_filter_widgets;
     QList<VELD_RegexFilterWidget*> m_dropdown_filter_widgets;
