@@ -1,17 +1,14 @@
 #include "about_dialog.h"
 
 #include "kor_xml_query_interface.h"
-#include "veld_form_type.h"
-#include "veld_window_registry.h"
 
-#include <QtGui/QCloseEvent>
 #include <QtWidgets/QDialogButtonBox>
 #include <QtWidgets/QGridLayout>
 #include <QtWidgets/QLCDNumber>
 #include <QtWidgets/QLabel>
 #include <QtWidgets/QListWidget>
 
-ABOUT_DIALOG::ABOUT_DIALOG(QWidget* parent) : VELD_MDI_DIALOG(parent)
+ABOUT_DIALOG::ABOUT_DIALOG(QWidget* parent) : VELD_MDI_DIALOG(form_name(), parent)
 {
     setObjectName(QStringLiteral("aboutDialog"));
     setWindowTitle(QStringLiteral("About"));
@@ -52,25 +49,4 @@ ABOUT_DIALOG::ABOUT_DIALOG(QWidget* parent) : VELD_MDI_DIALOG(parent)
     layout->addWidget(new QLabel(QStringLiteral("Authors"), this), 2, 1, Qt::AlignTop);
     layout->addWidget(authors, 2, 2);
     layout->addWidget(buttons, 3, 0, 1, 3);
-}
-
-ABOUT_DIALOG::~ABOUT_DIALOG()
-{
-    unregister();
-}
-
-void ABOUT_DIALOG::closeEvent(QCloseEvent* event)
-{
-    unregister();
-    VELD_MDI_DIALOG::closeEvent(event);
-}
-
-void ABOUT_DIALOG::unregister()
-{
-    VELD_WINDOW_REGISTRY& registry = VELD_WINDOW_REGISTRY::instance();
-    if (!registry.holds(form_name(), VELD_FORM_TYPE::DIALOG, this))
-        return;
-    QString error;
-    if (!registry.unregister_form(error, form_name(), VELD_FORM_TYPE::DIALOG))
-        emit statusUpdate(error);
 }

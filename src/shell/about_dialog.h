@@ -14,18 +14,9 @@ public:
     static QString form_name() { return QStringLiteral("ABOUT_FORM"); }
 
     explicit ABOUT_DIALOG(QWidget* parent = nullptr);
-    ~ABOUT_DIALOG() override;
 
     QLCDNumber* version_display() const { return m_version; }
 
-signals:
-    void statusUpdate(QString status);
-
-protected:
-    void closeEvent(QCloseEvent* event) override;
-
 private:
-    void unregister();
-
     QLCDNumber* m_version = nullptr;
 };

@@ -6,7 +6,6 @@
 #include "veld_options.h"
 #include "veld_window_registry.h"
 
-#include <QtGui/QCloseEvent>
 #include <QtWidgets/QCheckBox>
 #include <QtWidgets/QDialogButtonBox>
 #include <QtWidgets/QGridLayout>
@@ -26,7 +25,7 @@ const QStringList DIFF_COLOURS = {"differs_colour", "only_in_db_1_colour", "only
 const QStringList WINDOW_COLOURS = {"window_back_colour"};
 } // namespace
 
-OPTIONS_DIALOG::OPTIONS_DIALOG(QWidget* parent) : VELD_MDI_DIALOG(parent)
+OPTIONS_DIALOG::OPTIONS_DIALOG(QWidget* parent) : VELD_MDI_DIALOG(form_name(), parent)
 {
     setObjectName(QStringLiteral("optionsDialog"));
     setWindowTitle(QStringLiteral("Preferences"));
@@ -142,11 +141,6 @@ OPTIONS_DIALOG::OPTIONS_DIALOG(QWidget* parent) : VELD_MDI_DIALOG(parent)
     }
     connect(m_auto_submit_lua, SIGNAL(stateChanged(int)), this, SLOT(on_auto_submit_lua(int)));
     connect(m_auto_submit_start_pos, SIGNAL(stateChanged(int)), this, SLOT(on_auto_submit_start_pos(int)));
-}
-
-OPTIONS_DIALOG::~OPTIONS_DIALOG()
-{
-    unregister();
 }
 
 int OPTIONS_DIALOG::row_of(const QString& colour_key) const
@@ -362,20 +356,4 @@ void OPTIONS_DIALOG::on_accept()
         registry.close_form(form_name(), VELD_FORM_TYPE::DIALOG);
     else
         accept();
-}
-
-void OPTIONS_DIALOG::closeEvent(QCloseEvent* event)
-{
-    unregister();
-    VELD_MDI_DIALOG::closeEvent(event);
-}
-
-void OPTIONS_DIALOG::unregister()
-{
-    VELD_WINDOW_REGISTRY& registry = VELD_WINDOW_REGISTRY::instance();
-    if (!registry.holds(form_name(), VELD_FORM_TYPE::DIALOG, this))
-        return;
-    QString error;
-    if (!registry.unregister_form(error, form_name(), VELD_FORM_TYPE::DIALOG))
-        emit statusUpdate(error);
 }

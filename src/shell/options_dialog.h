@@ -21,7 +21,6 @@ public:
     static QString form_name() { return QStringLiteral("OPTIONS_FORM"); }
 
     explicit OPTIONS_DIALOG(QWidget* parent = nullptr);
-    ~OPTIONS_DIALOG() override;
 
     // The "Default" box and the colour button of a colour key, for tests.
     QCheckBox* default_box(const QString& colour_key) const;
@@ -31,7 +30,6 @@ public:
     QCheckBox* auto_submit_start_pos_box() const { return m_auto_submit_start_pos; }
 
 signals:
-    void statusUpdate(QString status);
     void refreshColours();
 
 public slots:
@@ -64,9 +62,6 @@ public slots:
     // Stores everything, closes the dialog and tells the views.
     void on_accept();
 
-protected:
-    void closeEvent(QCloseEvent* event) override;
-
 private:
     struct ROW
     {
@@ -83,7 +78,6 @@ private:
     void show_colour(ROW& row);
     // Writes every option and tells the views, leaving the dialog open.
     void apply();
-    void unregister();
 
     QVector<ROW> m_rows;
     QCheckBox* m_auto_submit_lua = nullptr;
