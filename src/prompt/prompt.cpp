@@ -64,10 +64,29 @@ REQUEST file_request(KIND kind, QWidget* parent, const QString& caption, const Q
     return request;
 }
 
-void set_ok(bool* ok, const ANSWER& answer)
+// Asks and tells *ok whether the user accepted, as the input dialogs do.
+ANSWER ask_input(const REQUEST& request, bool* ok)
 {
+    const ANSWER answer = ask(request);
     if (ok)
         *ok = answer.accepted;
+    return answer;
+}
+
+REQUEST number_request(KIND kind, QWidget* parent, const QString& title, const QString& label, double value,
+                       double minimum, double maximum, int step_or_decimals)
+{
+    REQUEST request = input_request(kind, parent, title, label);
+    request.value = value;
+    request.minimum = minimum;
+    request.maximum = maximum;
+    request.step_or_decimals = step_or_decimals;
+    return request;
+}
+
+QString accepted_text(const ANSWER& answer)
+{
+    return answer.accepted ? answer.text : QString();
 }
 } // namespace
 
@@ -120,9 +139,7 @@ QString get_text(QWidget* parent, const QString& title, const QString& label, QL
     REQUEST request = input_request(KIND::GET_TEXT, parent, title, label);
     request.echo_mode = mode;
     request.initial_text = text;
-    const ANSWER answer = ask(request);
-    set_ok(ok, answer);
-    return answer.accepted ? answer.text : QString();
+    return accepted_text(ask_input(request, ok));
 }
 
 QString get_multi_line_text(QWidget* parent, const QString& title, const QString& label, const QString& text,
@@ -130,9 +147,7 @@ QString get_multi_line_text(QWidget* parent, const QString& title, const QString
 {
     REQUEST request = input_request(KIND::GET_MULTI_LINE_TEXT, parent, title, label);
     request.initial_text = text;
-    const ANSWER answer = ask(request);
-    set_ok(ok, answer);
-    return answer.accepted ? answer.text : QString();
+    return accepted_text(ask_input(request, ok));
 }
 
 QString get_item(QWidget* parent, const QString& title, const QString& label, const QStringList& items,
@@ -142,8 +157,7 @@ QString get_item(QWidget* parent, const QString& title, const QString& label, co
     request.items = items;
     request.current_item = current_item;
     request.editable = editable;
-    const ANSWER answer = ask(request);
-    set_ok(ok, answer);
+    const ANSWER answer = ask_input(request, ok);
     // As QInputDialog::getItem: a cancelled choice answers the preset item.
     return answer.accepted ? answer.text : items.value(current_item);
 }
@@ -151,43 +165,31 @@ QString get_item(QWidget* parent, const QString& title, const QString& label, co
 int get_int(QWidget* parent, const QString& title, const QString& label, int value, int minimum, int maximum,
             int step, bool* ok)
 {
-    REQUEST request = input_request(KIND::GET_INT, parent, title, label);
-    request.value = value;
-    request.minimum = minimum;
-    request.maximum = maximum;
-    request.step_or_decimals = step;
-    const ANSWER answer = ask(request);
-    set_ok(ok, answer);
+    const ANSWER answer =
+        ask_input(number_request(KIND::GET_INT, parent, title, label, value, minimum, maximum, step), ok);
     return answer.accepted ? answer.int_value : value;
 }
 
 double get_double(QWidget* parent, const QString& title, const QString& label, double value, double minimum,
                   double maximum, int decimals, bool* ok)
 {
-    REQUEST request = input_request(KIND::GET_DOUBLE, parent, title, label);
-    request.value = value;
-    request.minimum = minimum;
-    request.maximum = maximum;
-    request.step_or_decimals = decimals;
-    const ANSWER answer = ask(request);
-    set_ok(ok, answer);
+    const ANSWER answer = ask_input(
+        number_request(KIND::GET_DOUBLE, parent, title, label, value, minimum, maximum, decimals), ok);
     return answer.accepted ? answer.double_value : value;
 }
 
 QString get_existing_directory(QWidget* parent, const QString& caption, const QString& dir,
                                QFileDialog::Options options)
 {
-    const ANSWER answer =
-        ask(file_request(KIND::GET_EXISTING_DIRECTORY, parent, caption, dir, QString(), nullptr, options));
-    return answer.accepted ? answer.text : QString();
+    return accepted_text(
+        ask(file_request(KIND::GET_EXISTING_DIRECTORY, parent, caption, dir, QString(), nullptr, options)));
 }
 
 QString get_open_file_name(QWidget* parent, const QString& caption, const QString& dir, const QString& filter,
                            QString* selected_filter, QFileDialog::Options options)
 {
-    const ANSWER answer =
-        ask(file_request(KIND::GET_OPEN_FILE_NAME, parent, caption, dir, filter, selected_filter, options));
-    return answer.accepted ? answer.text : QString();
+    return accepted_text(
+        ask(file_request(KIND::GET_OPEN_FILE_NAME, parent, caption, dir, filter, selected_filter, options)));
 }
 
 QStringList get_open_file_names(QWidget* parent, const QString& caption, const QString& dir,
@@ -201,9 +203,8 @@ QStringList get_open_file_names(QWidget* parent, const QString& caption, const Q
 QString get_save_file_name(QWidget* parent, const QString& caption, const QString& dir, const QString& filter,
                            QString* selected_filter, QFileDialog::Options options)
 {
-    const ANSWER answer =
-        ask(file_request(KIND::GET_SAVE_FILE_NAME, parent, caption, dir, filter, selected_filter, options));
-    return answer.accepted ? answer.text : QString();
+    return accepted_text(
+        ask(file_request(KIND::GET_SAVE_FILE_NAME, parent, caption, dir, filter, selected_filter, options)));
 }
 
 QColor get_color(const QColor& initial, QWidget* parent, const QString& title,

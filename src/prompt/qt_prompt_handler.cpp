@@ -6,29 +6,39 @@
 
 namespace prompt
 {
+namespace
+{
+using MESSAGE_BOX = QMessageBox::StandardButton (*)(QWidget*, const QString&, const QString&,
+                                                    QMessageBox::StandardButtons,
+                                                    QMessageBox::StandardButton);
+
+MESSAGE_BOX message_box(KIND kind)
+{
+    switch (kind)
+    {
+    case KIND::INFORMATION:
+        return &QMessageBox::information;
+    case KIND::WARNING:
+        return &QMessageBox::warning;
+    case KIND::CRITICAL:
+        return &QMessageBox::critical;
+    default:
+        return &QMessageBox::question;
+    }
+}
+} // namespace
+
 ANSWER QT_PROMPT_HANDLER::ask(const REQUEST& request)
 {
     ANSWER answer;
     switch (request.kind)
     {
     case KIND::QUESTION:
-        answer.button = QMessageBox::question(request.parent, request.title, request.text, request.buttons,
-                                              request.default_button);
-        answer.accepted = true;
-        break;
     case KIND::INFORMATION:
-        answer.button = QMessageBox::information(request.parent, request.title, request.text, request.buttons,
-                                                 request.default_button);
-        answer.accepted = true;
-        break;
     case KIND::WARNING:
-        answer.button = QMessageBox::warning(request.parent, request.title, request.text, request.buttons,
-                                             request.default_button);
-        answer.accepted = true;
-        break;
     case KIND::CRITICAL:
-        answer.button = QMessageBox::critical(request.parent, request.title, request.text, request.buttons,
-                                              request.default_button);
+        answer.button = message_box(request.kind)(request.parent, request.title, request.text,
+                                                  request.buttons, request.default_button);
         answer.accepted = true;
         break;
     case KIND::GET_TEXT:
