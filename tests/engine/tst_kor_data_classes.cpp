@@ -24,10 +24,10 @@ KOR_FIELD_SCHEMA* make_field(const QString& name, KOR_FIELD_TYPE type, bool key 
 std::unique_ptr<KOR_TABLE_SCHEMA> make_units_schema()
 {
     auto schema = std::make_unique<KOR_TABLE_SCHEMA>(QStringLiteral("units"));
-    schema->add_field_schema(make_field(QStringLiteral("faction"), KFT_TEXT, true));
-    schema->add_field_schema(make_field(QStringLiteral("Unit_Name"), KFT_TEXT, true));
-    schema->add_field_schema(make_field(QStringLiteral("strength"), KFT_INTEGER));
-    schema->add_field_schema(make_field(QStringLiteral("id"), KFT_AUTONUMBER));
+    schema->add_field_schema(make_field("faction", KFT_TEXT, true));
+    schema->add_field_schema(make_field("Unit_Name", KFT_TEXT, true));
+    schema->add_field_schema(make_field("strength", KFT_INTEGER));
+    schema->add_field_schema(make_field("id", KFT_AUTONUMBER));
     return schema;
 }
 
@@ -35,10 +35,10 @@ KOR_RECORD_DATA* make_unit(const KOR_TABLE_SCHEMA* schema, const QString& factio
                            int id)
 {
     KOR_RECORD_DATA* record = new KOR_RECORD_DATA(schema, nullptr, QUuid::createUuid());
-    record->add_field_data(schema->field_schema_by_name(QStringLiteral("faction")), faction);
-    record->add_field_data(schema->field_schema_by_name(QStringLiteral("unit_name")), name);
-    record->add_field_data(schema->field_schema_by_name(QStringLiteral("strength")), 10);
-    record->add_field_data(schema->field_schema_by_name(QStringLiteral("id")), id);
+    record->add_field_data(schema->field_schema_by_name("faction"), faction);
+    record->add_field_data(schema->field_schema_by_name("unit_name"), name);
+    record->add_field_data(schema->field_schema_by_name("strength"), 10);
+    record->add_field_data(schema->field_schema_by_name("id"), id);
     return record;
 }
 } // namespace
@@ -71,26 +71,26 @@ void TST_KOR_DATA_CLASSES::field_types_and_metafields_round_trip()
         QCOMPARE(int(KOR_FIELD_SCHEMA::string_to_field_type(name.toUpper())), type);
     }
     QCOMPARE(KOR_FIELD_SCHEMA::field_type_to_string(KOR_FIELD_TYPE(12)), QString());
-    QCOMPARE(int(KOR_FIELD_SCHEMA::string_to_field_type(QStringLiteral("memo"))), int(KFT_NONE));
+    QCOMPARE(int(KOR_FIELD_SCHEMA::string_to_field_type("memo")), int(KFT_NONE));
 
     KOR_FIELD_SCHEMA field;
     for (int metafield = 0; metafield < KMF_COUNT; ++metafield)
         QVERIFY2(!KOR_FIELD_SCHEMA::metafield_to_string(KOR_METAFIELD(metafield)).isEmpty(),
                  qPrintable(QString::number(metafield)));
-    QVERIFY(field.set_metafield_value(KMF_FIELD_NAME, QStringLiteral("cost")));
+    QVERIFY(field.set_metafield_value(KMF_FIELD_NAME, "cost"));
     QVERIFY(field.set_metafield_value(KMF_FIELD_TYPE, int(KFT_SINGLE)));
     QVERIFY(!field.set_metafield_value(KMF_FIELD_TYPE, 12));
-    QVERIFY(!field.set_metafield_value(KMF_FIELD_NAME, QStringLiteral("../escape")));
-    QCOMPARE(field.field_name(), QStringLiteral("cost"));
+    QVERIFY(!field.set_metafield_value(KMF_FIELD_NAME, "../escape"));
+    QCOMPARE(field.field_name(), "cost");
     QCOMPARE(int(field.field_type()), int(KFT_SINGLE));
 
-    QVERIFY(field.set_metafield_value(KMF_FOREIGN_TABLE, QStringLiteral("resources")));
-    QVERIFY(field.set_metafield_value(KMF_FOREIGN_FIELD, QStringLiteral("key")));
-    QVERIFY(field.set_metafield_value(KMF_LOOKUP_FIELDS, QStringLiteral("key:name")));
+    QVERIFY(field.set_metafield_value(KMF_FOREIGN_TABLE, "resources"));
+    QVERIFY(field.set_metafield_value(KMF_FOREIGN_FIELD, "key"));
+    QVERIFY(field.set_metafield_value(KMF_LOOKUP_FIELDS, "key:name"));
     QVERIFY(field.dependency());
-    QCOMPARE(*field.dependency(), qMakePair(QStringLiteral("resources"), QStringLiteral("key")));
-    QCOMPARE(field.lookup_fields(), QStringList({QStringLiteral("key"), QStringLiteral("name")}));
-    QCOMPARE(field.source_table(), QStringLiteral("resources"));
+    QCOMPARE(*field.dependency(), qMakePair(QString("resources"), QString("key")));
+    QCOMPARE(field.lookup_fields(), QStringList({"key", "name"}));
+    QCOMPARE(field.source_table(), "resources");
     QVERIFY(field.set_metafield_value(KMF_FOREIGN_TABLE, QString()));
     QVERIFY(!field.dependency());
     QVERIFY(field.source_table().isEmpty());
@@ -99,25 +99,24 @@ void TST_KOR_DATA_CLASSES::field_types_and_metafields_round_trip()
 void TST_KOR_DATA_CLASSES::table_schema_follows_renames_and_keys()
 {
     auto schema = make_units_schema();
-    QCOMPARE(schema->primary_key_fields(),
-             QList<QString>({QStringLiteral("faction"), QStringLiteral("Unit_Name")}));
-    KOR_FIELD_SCHEMA* name = schema->field_schema_by_name(QStringLiteral("UNIT_NAME"));
+    QCOMPARE(schema->primary_key_fields(), QList<QString>({"faction", "Unit_Name"}));
+    KOR_FIELD_SCHEMA* name = schema->field_schema_by_name("UNIT_NAME");
     QVERIFY(name);
-    QVERIFY(name->set_metafield_value(KMF_FIELD_NAME, QStringLiteral("label")));
-    QCOMPARE(schema->field_schema_by_name(QStringLiteral("label")), name);
-    QVERIFY(!schema->field_schema_by_name(QStringLiteral("unit_name")));
-    QCOMPARE(schema->column_ordering().at(1), QStringLiteral("label"));
-    QCOMPARE(schema->primary_key_fields().at(1), QStringLiteral("label"));
-    QVERIFY(!name->set_metafield_value(KMF_FIELD_NAME, QStringLiteral("STRENGTH")));
+    QVERIFY(name->set_metafield_value(KMF_FIELD_NAME, "label"));
+    QCOMPARE(schema->field_schema_by_name("label"), name);
+    QVERIFY(!schema->field_schema_by_name("unit_name"));
+    QCOMPARE(schema->column_ordering().at(1), "label");
+    QCOMPARE(schema->primary_key_fields().at(1), "label");
+    QVERIFY(!name->set_metafield_value(KMF_FIELD_NAME, "STRENGTH"));
 
-    KOR_FIELD_SCHEMA* strength = schema->field_schema_by_name(QStringLiteral("strength"));
+    KOR_FIELD_SCHEMA* strength = schema->field_schema_by_name("strength");
     QVERIFY(strength->set_metafield_value(KMF_PRIMARY_KEY, true));
     QCOMPARE(schema->primary_key_fields().size(), 3);
 
-    std::unique_ptr<KOR_FIELD_SCHEMA> clash(make_field(QStringLiteral("Strength"), KFT_TEXT));
+    std::unique_ptr<KOR_FIELD_SCHEMA> clash(make_field("Strength", KFT_TEXT));
     QVERIFY(!schema->add_field_schema(clash.get()));
     QVERIFY(!clash->owner());
-    std::unique_ptr<KOR_FIELD_SCHEMA> removed(schema->remove_field_schema(QStringLiteral("strength")));
+    std::unique_ptr<KOR_FIELD_SCHEMA> removed(schema->remove_field_schema("strength"));
     QCOMPARE(removed.get(), strength);
     QCOMPARE(schema->field_count(), 3);
     QCOMPARE(schema->primary_key_fields().size(), 2);
@@ -132,13 +131,13 @@ void TST_KOR_DATA_CLASSES::table_schema_copy_is_deep()
     QVERIFY(copy.field_schema_by_row(0) != schema->field_schema_by_row(0));
     QCOMPARE(copy.field_schema_by_row(0)->field_unique_id(),
              schema->field_schema_by_row(0)->field_unique_id());
-    copy.field_schema_by_row(0)->set_metafield_value(KMF_FIELD_NAME, QStringLiteral("side"));
-    QCOMPARE(schema->field_schema_by_row(0)->field_name(), QStringLiteral("faction"));
+    copy.field_schema_by_row(0)->set_metafield_value(KMF_FIELD_NAME, "side");
+    QCOMPARE(schema->field_schema_by_row(0)->field_name(), "faction");
 
     QStringList errors;
     QVERIFY2(schema->is_valid(errors, true), qPrintable(errors.join('\n')));
-    KOR_TABLE_SCHEMA bad(QStringLiteral("../bad"));
-    bad.add_field_schema(make_field(QStringLiteral("x"), KFT_NONE));
+    KOR_TABLE_SCHEMA bad("../bad");
+    bad.add_field_schema(make_field("x", KFT_NONE));
     QVERIFY(!bad.is_valid(errors, true));
     QVERIFY(errors.size() >= 3);
 }
@@ -146,73 +145,65 @@ void TST_KOR_DATA_CLASSES::table_schema_copy_is_deep()
 void TST_KOR_DATA_CLASSES::record_fields_ignore_case_and_keys_join_without_separator()
 {
     auto schema = make_units_schema();
-    std::unique_ptr<KOR_RECORD_DATA> record(
-        make_unit(schema.get(), QStringLiteral("rome"), QStringLiteral("hastati"), 1));
-    QCOMPARE(record->key(), QStringLiteral("romehastati"));
-    QVERIFY(record->get_field_data(QStringLiteral("UNIT_name")));
-    QCOMPARE(record->get_field_data(QStringLiteral("unit_name"))->m_value.toString(),
-             QStringLiteral("hastati"));
-    QVERIFY(!record->get_field_data(QStringLiteral("missing")));
+    std::unique_ptr<KOR_RECORD_DATA> record(make_unit(schema.get(), "rome", "hastati", 1));
+    QCOMPARE(record->key(), "romehastati");
+    QVERIFY(record->get_field_data("UNIT_name"));
+    QCOMPARE(record->get_field_data("unit_name")->m_value.toString(), "hastati");
+    QVERIFY(!record->get_field_data("missing"));
 
     QStringList names;
     for (auto it = record->field_map().begin(); it != record->field_map().end(); ++it)
         names.append(it.key().string());
-    QCOMPARE(names, QStringList({QStringLiteral("faction"), QStringLiteral("id"), QStringLiteral("strength"),
-                                 QStringLiteral("Unit_Name")}));
+    QCOMPARE(names, QStringList({"faction", "id", "strength", "Unit_Name"}));
 
     // Replacing a field keeps one field of that name.
-    record->add_field_data(schema->field_schema_by_name(QStringLiteral("strength")), 12);
+    record->add_field_data(schema->field_schema_by_name("strength"), 12);
     QCOMPARE(record->field_count(), 4);
-    QCOMPARE(record->get_field_data(QStringLiteral("strength"))->m_value.toInt(), 12);
-    QVERIFY(record->remove_field_data(QStringLiteral("STRENGTH")));
+    QCOMPARE(record->get_field_data("strength")->m_value.toInt(), 12);
+    QVERIFY(record->remove_field_data("STRENGTH"));
     QCOMPARE(record->field_count(), 3);
 }
 
 void TST_KOR_DATA_CLASSES::record_copy_keeps_or_renews_uuid()
 {
     auto schema = make_units_schema();
-    std::unique_ptr<KOR_RECORD_DATA> record(
-        make_unit(schema.get(), QStringLiteral("rome"), QStringLiteral("triarii"), 2));
-    record->get_field_data(QStringLiteral("unit_name"))->set_approval_state(KOR_FIELD_DATA::TAS_APPROVED);
-    record->get_field_data(QStringLiteral("unit_name"))->set_last_approved_text(QStringLiteral("old"));
+    std::unique_ptr<KOR_RECORD_DATA> record(make_unit(schema.get(), "rome", "triarii", 2));
+    record->get_field_data("unit_name")->set_approval_state(KOR_FIELD_DATA::TAS_APPROVED);
+    record->get_field_data("unit_name")->set_last_approved_text("old");
 
     KOR_RECORD_DATA same(*record, nullptr, false);
     KOR_RECORD_DATA renewed(*record, nullptr, true);
     QCOMPARE(same.uuid(), record->uuid());
     QVERIFY(renewed.uuid() != record->uuid());
     QCOMPARE(same.key(), record->key());
-    const KOR_FIELD_DATA* copied = same.get_field_data(QStringLiteral("unit_name"));
-    QVERIFY(copied != record->get_field_data(QStringLiteral("unit_name")));
+    const KOR_FIELD_DATA* copied = same.get_field_data("unit_name");
+    QVERIFY(copied != record->get_field_data("unit_name"));
     QVERIFY(copied->has_approval_data());
-    QCOMPARE(copied->last_approved_text(), QStringLiteral("old"));
-    QVERIFY(!same.get_field_data(QStringLiteral("strength"))->has_approval_data());
+    QCOMPARE(copied->last_approved_text(), "old");
+    QVERIFY(!same.get_field_data("strength")->has_approval_data());
 }
 
 void TST_KOR_DATA_CLASSES::table_data_orders_by_key_and_indexes_by_uuid()
 {
     auto schema = make_units_schema();
     KOR_TABLE_DATA table(schema.get());
-    const QStringList names = {QStringLiteral("velites"), QStringLiteral("equites"),
-                               QStringLiteral("hastati")};
+    const QStringList names = {"velites", "equites", "hastati"};
     QList<QUuid> uuids;
     for (const QString& name : names)
     {
-        KOR_RECORD_DATA* record = make_unit(schema.get(), QStringLiteral("rome"), name, uuids.size() + 1);
+        KOR_RECORD_DATA* record = make_unit(schema.get(), "rome", name, uuids.size() + 1);
         uuids.append(record->uuid());
         QString error;
         QVERIFY2(table.add_record(record, &error), qPrintable(error));
     }
-    QCOMPARE(table.records().keys(),
-             QList<QString>({QStringLiteral("romeequites"), QStringLiteral("romehastati"),
-                             QStringLiteral("romevelites")}));
+    QCOMPARE(table.records().keys(), QList<QString>({"romeequites", "romehastati", "romevelites"}));
     for (const QUuid& uuid : uuids)
         QCOMPARE(table.record_by_uuid(uuid)->uuid(), uuid);
 
     QString error;
-    KOR_RECORD_DATA* duplicate =
-        make_unit(schema.get(), QStringLiteral("rome"), QStringLiteral("hastati"), 9);
+    KOR_RECORD_DATA* duplicate = make_unit(schema.get(), "rome", "hastati", 9);
     QVERIFY(!table.add_record(duplicate, &error));
-    QVERIFY(error.contains(QStringLiteral("romehastati")));
+    QVERIFY(error.contains("romehastati"));
     delete duplicate;
 
     KOR_TABLE_DATA copy(table);
@@ -222,7 +213,7 @@ void TST_KOR_DATA_CLASSES::table_data_orders_by_key_and_indexes_by_uuid()
     std::unique_ptr<KOR_RECORD_DATA> taken(table.take_record(uuids.at(1)));
     QVERIFY(taken);
     QCOMPARE(table.record_count(), 2);
-    QVERIFY(!table.records().contains(QStringLiteral("romeequites")));
+    QVERIFY(!table.records().contains("romeequites"));
     QVERIFY(!table.record_by_uuid(uuids.at(1)));
 
     KOR_TABLE_DATA moved(std::move(copy));
@@ -238,7 +229,7 @@ void TST_KOR_DATA_CLASSES::uuid_index_survives_many_removals()
     QList<QUuid> uuids;
     for (int i = 0; i < 2000; ++i)
     {
-        KOR_RECORD_DATA* record = make_unit(schema.get(), QStringLiteral("f"), QString::number(i), i);
+        KOR_RECORD_DATA* record = make_unit(schema.get(), "f", QString::number(i), i);
         uuids.append(record->uuid());
         QVERIFY(table.add_record(record));
     }
@@ -262,15 +253,15 @@ void TST_KOR_DATA_CLASSES::next_autonumber_follows_changes()
 {
     auto schema = make_units_schema();
     KOR_TABLE_DATA table(schema.get());
-    QCOMPARE(table.next_autonumber(QStringLiteral("id")), 1);
-    QCOMPARE(table.next_autonumber(QStringLiteral("nothing")), 0);
-    KOR_RECORD_DATA* a = make_unit(schema.get(), QStringLiteral("a"), QStringLiteral("a"), 7);
+    QCOMPARE(table.next_autonumber("id"), 1);
+    QCOMPARE(table.next_autonumber("nothing"), 0);
+    KOR_RECORD_DATA* a = make_unit(schema.get(), "a", "a", 7);
     QVERIFY(table.add_record(a));
-    QCOMPARE(table.next_autonumber(QStringLiteral("id")), 8);
-    QVERIFY(table.add_record(make_unit(schema.get(), QStringLiteral("b"), QStringLiteral("b"), 3)));
-    QCOMPARE(table.next_autonumber(QStringLiteral("ID")), 8);
+    QCOMPARE(table.next_autonumber("id"), 8);
+    QVERIFY(table.add_record(make_unit(schema.get(), "b", "b", 3)));
+    QCOMPARE(table.next_autonumber("ID"), 8);
     QVERIFY(table.remove_record(a->uuid()));
-    QCOMPARE(table.next_autonumber(QStringLiteral("id")), 4);
+    QCOMPARE(table.next_autonumber("id"), 4);
 }
 
 void TST_KOR_DATA_CLASSES::conversion_by_type_data()

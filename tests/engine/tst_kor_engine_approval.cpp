@@ -29,13 +29,12 @@ private:
     KOR_RECORD_DATA* record(const QString& key)
     {
         QString error;
-        return engine().get_table_data(error, QStringLiteral("texts"))->record_by_key(key);
+        return engine().get_table_data(error, "texts")->record_by_key(key);
     }
-    KOR_FIELD_DATA* text(const QString& key) { return record(key)->get_field_data(QStringLiteral("text")); }
+    KOR_FIELD_DATA* text(const QString& key) { return record(key)->get_field_data("text"); }
     QString approve(const QString& key)
     {
-        return engine().approve_text(QStringLiteral("texts"), QStringLiteral("text"), key,
-                                     record(key)->uuid(), false, true, false);
+        return engine().approve_text("texts", "text", key, record(key)->uuid(), false, true, false);
     }
 
     std::unique_ptr<QTemporaryDir> m_folder;
@@ -45,79 +44,66 @@ private:
 void TST_KOR_ENGINE_APPROVAL::init()
 {
     m_folder = std::make_unique<QTemporaryDir>();
-    m_db = std::make_unique<TEST_DATABASE_BUILDER>(m_folder->filePath(QStringLiteral("db")));
-    m_db->table(QStringLiteral("texts"), {TEST_FIELD::key(QStringLiteral("key")),
-                                          TEST_FIELD::plain(QStringLiteral("text"), KFT_TEXT).localised()})
-        .record(QStringLiteral("texts"), {{"key", "a"}, {"text", "Hail Caesar"}})
-        .record(QStringLiteral("texts"), {{"key", "b"}, {"text", "Carthago delenda est"}})
-        .record(QStringLiteral("texts"), {{"key", "c"}, {"text", "HAIL the legion"}});
+    m_db = std::make_unique<TEST_DATABASE_BUILDER>(m_folder->filePath("db"));
+    m_db->table("texts", {TEST_FIELD::key("key"), TEST_FIELD::plain("text", KFT_TEXT).localised()})
+        .record("texts", {{"key", "a"}, {"text", "Hail Caesar"}})
+        .record("texts", {{"key", "b"}, {"text", "Carthago delenda est"}})
+        .record("texts", {{"key", "c"}, {"text", "HAIL the legion"}});
     QVERIFY2(m_db->ok(), qPrintable(m_db->error()));
 }
 
 void TST_KOR_ENGINE_APPROVAL::approving_keeps_the_text_and_flags()
 {
-    QCOMPARE(text(QStringLiteral("a"))->approval_state(), int(KOR_FIELD_DATA::TAS_AWAITING_APPROVAL));
-    QVERIFY(approve(QStringLiteral("a")).isEmpty());
+    QCOMPARE(text("a")->approval_state(), int(KOR_FIELD_DATA::TAS_AWAITING_APPROVAL));
+    QVERIFY(approve("a").isEmpty());
     m_db->reconnect();
-    QCOMPARE(text(QStringLiteral("a"))->approval_state(), int(KOR_FIELD_DATA::TAS_APPROVED));
-    QCOMPARE(text(QStringLiteral("a"))->last_approved_text(), QStringLiteral("Hail Caesar"));
-    QVERIFY(text(QStringLiteral("a"))->requires_recording());
-    QVERIFY(!text(QStringLiteral("a"))->requires_translation());
-    QVERIFY(!engine()
-                 .approve_text(QStringLiteral("texts"), QStringLiteral("text"), QStringLiteral("zz"), QUuid(),
-                               false, false, false)
-                 .isEmpty());
+    QCOMPARE(text("a")->approval_state(), int(KOR_FIELD_DATA::TAS_APPROVED));
+    QCOMPARE(text("a")->last_approved_text(), "Hail Caesar");
+    QVERIFY(text("a")->requires_recording());
+    QVERIFY(!text("a")->requires_translation());
+    QVERIFY(!engine().approve_text("texts", "text", "zz", QUuid(), false, false, false).isEmpty());
 }
 
 void TST_KOR_ENGINE_APPROVAL::a_changed_text_awaits_approval_again()
 {
-    QVERIFY(approve(QStringLiteral("a")).isEmpty());
-    KOR_RECORD_DATA copy(*record(QStringLiteral("a")), nullptr, false);
-    copy.get_field_data(QStringLiteral("text"))->m_value = QStringLiteral("Ave Caesar");
-    copy.get_field_data(QStringLiteral("text"))->set_requires_translation(true);
-    QVERIFY(engine().edit_record_data(QStringLiteral("texts"), record(QStringLiteral("a")), &copy).isEmpty());
-    const KOR_FIELD_DATA* field = text(QStringLiteral("a"));
+    QVERIFY(approve("a").isEmpty());
+    KOR_RECORD_DATA copy(*record("a"), nullptr, false);
+    copy.get_field_data("text")->m_value = "Ave Caesar";
+    copy.get_field_data("text")->set_requires_translation(true);
+    QVERIFY(engine().edit_record_data("texts", record("a"), &copy).isEmpty());
+    const KOR_FIELD_DATA* field = text("a");
     QCOMPARE(field->approval_state(), int(KOR_FIELD_DATA::TAS_AWAITING_APPROVAL));
-    QCOMPARE(field->last_approved_text(), QStringLiteral("Hail Caesar"));
+    QCOMPARE(field->last_approved_text(), "Hail Caesar");
     QVERIFY(field->requires_translation());
     QVERIFY(!field->last_edit_user().isEmpty());
 }
 
 void TST_KOR_ENGINE_APPROVAL::rejecting_goes_back_to_the_approved_text_or_marks_it()
 {
-    QVERIFY(approve(QStringLiteral("a")).isEmpty());
-    KOR_RECORD_DATA copy(*record(QStringLiteral("a")), nullptr, false);
-    copy.get_field_data(QStringLiteral("text"))->m_value = QStringLiteral("Ave Caesar");
-    QVERIFY(engine().edit_record_data(QStringLiteral("texts"), record(QStringLiteral("a")), &copy).isEmpty());
+    QVERIFY(approve("a").isEmpty());
+    KOR_RECORD_DATA copy(*record("a"), nullptr, false);
+    copy.get_field_data("text")->m_value = "Ave Caesar";
+    QVERIFY(engine().edit_record_data("texts", record("a"), &copy).isEmpty());
     QString error;
     QVERIFY(engine().begin_transaction(error, false));
-    QVERIFY(engine()
-                .reject_text(QStringLiteral("texts"), QStringLiteral("text"), QStringLiteral("a"),
-                             record(QStringLiteral("a"))->uuid())
-                .isEmpty());
-    QVERIFY(engine()
-                .reject_text(QStringLiteral("texts"), QStringLiteral("text"), QStringLiteral("b"),
-                             record(QStringLiteral("b"))->uuid())
-                .isEmpty());
+    QVERIFY(engine().reject_text("texts", "text", "a", record("a")->uuid()).isEmpty());
+    QVERIFY(engine().reject_text("texts", "text", "b", record("b")->uuid()).isEmpty());
     QVERIFY(engine().end_transaction(error));
     m_db->reconnect();
-    QCOMPARE(text(QStringLiteral("a"))->value_text(), QStringLiteral("Hail Caesar"));
-    QCOMPARE(text(QStringLiteral("a"))->approval_state(), int(KOR_FIELD_DATA::TAS_APPROVED));
+    QCOMPARE(text("a")->value_text(), "Hail Caesar");
+    QCOMPARE(text("a")->approval_state(), int(KOR_FIELD_DATA::TAS_APPROVED));
     // Without an approved text the words stay, marked for review.
-    QVERIFY(text(QStringLiteral("b"))->value_text().contains(QStringLiteral("text_rejected")));
-    QVERIFY(text(QStringLiteral("b"))->value_text().contains(QStringLiteral("Carthago delenda est")));
-    QCOMPARE(text(QStringLiteral("b"))->approval_state(), int(KOR_FIELD_DATA::TAS_APPROVED));
+    QVERIFY(text("b")->value_text().contains("text_rejected"));
+    QVERIFY(text("b")->value_text().contains("Carthago delenda est"));
+    QCOMPARE(text("b")->approval_state(), int(KOR_FIELD_DATA::TAS_APPROVED));
 }
 
 void TST_KOR_ENGINE_APPROVAL::ignoring_sets_the_ignored_state()
 {
-    QVERIFY(engine()
-                .ignore_text(QStringLiteral("texts"), QStringLiteral("text"), QStringLiteral("c"),
-                             record(QStringLiteral("c"))->uuid(), QString())
-                .isEmpty());
+    QVERIFY(engine().ignore_text("texts", "text", "c", record("c")->uuid(), QString()).isEmpty());
     m_db->reconnect();
-    QCOMPARE(text(QStringLiteral("c"))->approval_state(), int(KOR_FIELD_DATA::TAS_IGNORED));
-    QCOMPARE(text(QStringLiteral("c"))->value_text(), QStringLiteral("HAIL the legion"));
+    QCOMPARE(text("c")->approval_state(), int(KOR_FIELD_DATA::TAS_IGNORED));
+    QCOMPARE(text("c")->value_text(), "HAIL the legion");
 }
 
 void TST_KOR_ENGINE_APPROVAL::unapproving_by_content_commits_by_itself_data()
@@ -136,12 +122,12 @@ void TST_KOR_ENGINE_APPROVAL::unapproving_by_content_commits_by_itself()
     QFETCH(QString, text);
     QFETCH(bool, case_sensitive);
     QFETCH(QStringList, unapproved);
-    for (const QString& key : {QStringLiteral("a"), QStringLiteral("b"), QStringLiteral("c")})
+    for (const char* key : {"a", "b", "c"})
         QVERIFY(approve(key).isEmpty());
     QVERIFY(engine().unapprove_text_that_contains(text, case_sensitive).isEmpty());
     QVERIFY(!engine().in_transaction());
     m_db->reconnect();
-    for (const QString& key : {QStringLiteral("a"), QStringLiteral("b"), QStringLiteral("c")})
+    for (const char* key : {"a", "b", "c"})
         QCOMPARE(this->text(key)->approval_state(), unapproved.contains(key)
                                                         ? int(KOR_FIELD_DATA::TAS_AWAITING_APPROVAL)
                                                         : int(KOR_FIELD_DATA::TAS_APPROVED));
@@ -159,13 +145,13 @@ void TST_KOR_ENGINE_APPROVAL::commits_report_progress_and_changed_tables()
     QSignalSpy changed(&engine(), SIGNAL(tableChanged(QString)));
     QString error;
     QVERIFY(engine().begin_transaction(error, false));
-    QVERIFY(approve(QStringLiteral("a")).isEmpty());
-    QVERIFY(approve(QStringLiteral("b")).isEmpty());
+    QVERIFY(approve("a").isEmpty());
+    QVERIFY(approve("b").isEmpty());
     QCOMPARE(changed.count(), 0);
     QVERIFY(engine().end_transaction(error));
     QVERIFY(progress.count() >= 3);
     QCOMPARE(changed.count(), 1);
-    QCOMPARE(changed.first().first().toString(), QStringLiteral("texts"));
+    QCOMPARE(changed.first().first().toString(), "texts");
 }
 
 QTEST_GUILESS_MAIN(TST_KOR_ENGINE_APPROVAL)

@@ -6,17 +6,13 @@
 #include "kor_table_data.h"
 #include "kor_xml_query_interface.h"
 #include "test_database_builder.h"
+#include "test_helpers.h"
 
 #include <QtTest>
 
 namespace
 {
-void write_file(const QString& path, const QByteArray& bytes)
-{
-    QFile file(path);
-    QVERIFY(file.open(QIODevice::WriteOnly | QIODevice::Truncate));
-    file.write(bytes);
-}
+const auto add = &TEST_DATABASE_BUILDER::add_record;
 
 const QByteArray HEADER = "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n";
 const QByteArray UUID_A = "0b0c5c9e-0d0e-4a5b-8c1d-000000000001";
@@ -55,13 +51,11 @@ void TST_KOR_ENGINE_BAD_INPUT::init()
 {
     m_folder = std::make_unique<QTemporaryDir>();
     m_progress.clear();
-    m_db = std::make_unique<TEST_DATABASE_BUILDER>(m_folder->filePath(QStringLiteral("db")), &m_progress);
-    m_db->table(QStringLiteral("factions"), {TEST_FIELD::key(QStringLiteral("key"))})
-        .table(QStringLiteral("units"), {TEST_FIELD::key(QStringLiteral("unit")),
-                                         TEST_FIELD::plain(QStringLiteral("men"), KFT_INTEGER),
-                                         TEST_FIELD::plain(QStringLiteral("faction"), KFT_TEXT)
-                                             .refers_to(QStringLiteral("factions"), QStringLiteral("key"))})
-        .record(QStringLiteral("factions"), {{"key", "rome"}});
+    m_db = std::make_unique<TEST_DATABASE_BUILDER>(m_folder->filePath("db"), &m_progress);
+    m_db->table("factions", {TEST_FIELD::key("key")})
+        .table("units", {TEST_FIELD::key("unit"), TEST_FIELD::plain("men", KFT_INTEGER),
+                         TEST_FIELD::plain("faction", KFT_TEXT).refers_to("factions", "key")})
+        .record("factions", {{"key", "rome"}});
     QVERIFY2(m_db->ok(), qPrintable(m_db->error()));
     m_progress.clear();
 }
@@ -155,31 +149,25 @@ void TST_KOR_ENGINE_BAD_INPUT::damaged_table_files_are_reported()
     QFETCH(QByteArray, content);
     QFETCH(QString, where);
     QFETCH(QString, why);
-    write_file(path(QStringLiteral("units.xml")), content);
+    QVERIFY(ORBIN_TEST::write_file(path("units.xml"), content));
     m_db->reconnect();
     QVERIFY2(m_db->ok(), qPrintable(m_db->error()));
     QString error;
-    QVERIFY(!m_db->query_interface().get_table_data(error, QStringLiteral("units")));
-    QVERIFY2(error.contains(QStringLiteral("units.xml")), qPrintable(error));
+    QVERIFY(!m_db->query_interface().get_table_data(error, "units"));
+    QVERIFY2(error.contains("units.xml"), qPrintable(error));
     QVERIFY2(error.contains(where), qPrintable(error));
     QVERIFY2(error.contains(why), qPrintable(error));
     QVERIFY(m_progress.texts(PROGRESS_CALLBACK::SEVERITY_ERROR).contains(why));
     // Asking again answers the same without another report.
     const int reports = m_progress.reports.size();
     QString again;
-    QVERIFY(!m_db->query_interface().get_table_data(again, QStringLiteral("units")));
+    QVERIFY(!m_db->query_interface().get_table_data(again, "units"));
     QCOMPARE(again, error);
     QCOMPARE(m_progress.reports.size(), reports);
     // The rest of the database is unharmed, and the bad table cannot be written over.
-    QVERIFY(m_db->query_interface().get_table_data(error, QStringLiteral("factions")));
-    QVERIFY(!m_db->query_interface()
-                 .add_record(
-                     QStringLiteral("units"),
-                     TEST_DATABASE_BUILDER::make_record(
-                         m_db->query_interface().get_table_schema(QStringLiteral("units")), {{"unit", "b"}})
-                         .get())
-                 .isEmpty());
-    QFile file(path(QStringLiteral("units.xml")));
+    QVERIFY(m_db->query_interface().get_table_data(error, "factions"));
+    QVERIFY(!add(m_db->query_interface(), "units", {{"unit", "b"}}).isEmpty());
+    QFile file(path("units.xml"));
     QVERIFY(file.open(QIODevice::ReadOnly));
     QCOMPARE(file.readAll(), content);
 }
@@ -214,9 +202,9 @@ void TST_KOR_ENGINE_BAD_INPUT::damaged_schemas_stop_the_connection()
     QFETCH(QByteArray, content);
     QFETCH(QString, why);
     QVERIFY(m_db->query_interface().disconnect().isEmpty());
-    write_file(path(QStringLiteral("Veld_schemas/units.xml")), content);
+    QVERIFY(ORBIN_TEST::write_file(path("Veld_schemas/units.xml"), content));
     const QString error = m_db->query_interface().connect_without_merge(m_db->path(), false);
-    QVERIFY2(error.contains(QStringLiteral("Veld_schemas/units.xml")), qPrintable(error));
+    QVERIFY2(error.contains("Veld_schemas/units.xml"), qPrintable(error));
     QVERIFY2(error.contains(why), qPrintable(error));
     QVERIFY(!m_db->query_interface().is_connected());
     QVERIFY(m_progress.texts(PROGRESS_CALLBACK::SEVERITY_ERROR).contains(why));
@@ -225,28 +213,26 @@ void TST_KOR_ENGINE_BAD_INPUT::damaged_schemas_stop_the_connection()
 void TST_KOR_ENGINE_BAD_INPUT::a_folder_without_marker_is_no_database()
 {
     QVERIFY(m_db->query_interface().disconnect().isEmpty());
-    QVERIFY(QFile::remove(path(QStringLiteral("Veld_validation.xml"))));
+    QVERIFY(QFile::remove(path("Veld_validation.xml")));
     const QString error = m_db->query_interface().connect_without_merge(m_db->path(), false);
-    QVERIFY2(error.contains(QStringLiteral("Veld_validation.xml")), qPrintable(error));
-    write_file(path(QStringLiteral("Veld_validation.xml")), "<veld_database format=\"99\"/>");
-    QVERIFY(m_db->query_interface()
-                .connect_without_merge(m_db->path(), false)
-                .contains(QStringLiteral("format 99")));
-    QVERIFY(
-        KOR_XML_QUERY_INTERFACE::create_empty_database(m_db->path()).contains(QStringLiteral("not empty")));
+    QVERIFY2(error.contains("Veld_validation.xml"), qPrintable(error));
+    QVERIFY(ORBIN_TEST::write_file(path("Veld_validation.xml"), "<veld_database format=\"99\"/>"));
+    QVERIFY(m_db->query_interface().connect_without_merge(m_db->path(), false).contains("format 99"));
+    QVERIFY(KOR_XML_QUERY_INTERFACE::create_empty_database(m_db->path()).contains("not empty"));
 }
 
 void TST_KOR_ENGINE_BAD_INPUT::references_to_missing_records_are_warnings_with_lines()
 {
-    write_file(path(QStringLiteral("units.xml")),
-               HEADER + "<table name=\"units\">\n" +
-                   record(UUID_A, "    <unit>a</unit>\n    <faction>rome</faction>\n") +
-                   record(UUID_B, "    <unit>b</unit>\n    <faction>gauls</faction>\n") + "</table>\n");
-    write_file(path(QStringLiteral("orphans.xml")), HEADER + "<table name=\"orphans\"/>\n");
+    QVERIFY(ORBIN_TEST::write_file(path("units.xml"),
+                                   HEADER + "<table name=\"units\">\n" +
+                                       record(UUID_A, "    <unit>a</unit>\n    <faction>rome</faction>\n") +
+                                       record(UUID_B, "    <unit>b</unit>\n    <faction>gauls</faction>\n") +
+                                       "</table>\n"));
+    QVERIFY(ORBIN_TEST::write_file(path("orphans.xml"), HEADER + "<table name=\"orphans\"/>\n"));
     m_db->reconnect();
-    QVERIFY(m_progress.texts(PROGRESS_CALLBACK::SEVERITY_WARNING).contains(QStringLiteral("orphans.xml")));
+    QVERIFY(m_progress.texts(PROGRESS_CALLBACK::SEVERITY_WARNING).contains("orphans.xml"));
     QString error;
-    const KOR_TABLE_DATA* units = m_db->query_interface().get_table_data(error, QStringLiteral("units"));
+    const KOR_TABLE_DATA* units = m_db->query_interface().get_table_data(error, "units");
     QVERIFY(units);
     QCOMPARE(units->record_count(), 2);
     const QString warnings = m_progress.texts(PROGRESS_CALLBACK::SEVERITY_WARNING);
@@ -254,41 +240,39 @@ void TST_KOR_ENGINE_BAD_INPUT::references_to_missing_records_are_warnings_with_l
         warnings.contains(QStringLiteral("units.xml, line 7: record 'b', field 'faction': 'gauls' names no "
                                          "record of table 'factions'")),
         qPrintable(warnings));
-    QVERIFY(!warnings.contains(QStringLiteral("'rome'")));
+    QVERIFY(!warnings.contains("'rome'"));
 }
 
 void TST_KOR_ENGINE_BAD_INPUT::records_without_uuids_get_them()
 {
-    write_file(path(QStringLiteral("units.xml")),
-               HEADER + "<table name=\"units\">\n  <record><unit>a</unit></record>\n</table>\n");
+    QVERIFY(ORBIN_TEST::write_file(
+        path("units.xml"), HEADER + "<table name=\"units\">\n  <record><unit>a</unit></record>\n</table>\n"));
     m_db->reconnect();
     QString error;
-    const KOR_TABLE_DATA* units = m_db->query_interface().get_table_data(error, QStringLiteral("units"));
+    const KOR_TABLE_DATA* units = m_db->query_interface().get_table_data(error, "units");
     QVERIFY(units);
-    const QUuid given = units->record_by_key(QStringLiteral("a"))->uuid();
+    const QUuid given = units->record_by_key("a")->uuid();
     QVERIFY(!given.isNull());
     m_db->query_interface().write_out_tables_with_uuids();
     m_db->reconnect();
-    QCOMPARE(
-        m_db->query_interface().get_table_data(error, QStringLiteral("units"))->record_by_key("a")->uuid(),
-        given);
+    QCOMPARE(m_db->query_interface().get_table_data(error, "units")->record_by_key("a")->uuid(), given);
 }
 
 void TST_KOR_ENGINE_BAD_INPUT::hand_made_files_with_comments_read_the_same()
 {
     // A comment that holds an end tag must not confuse the reader.
-    write_file(path(QStringLiteral("units.xml")),
-               "\xEF\xBB\xBF" + HEADER + "<!-- made by hand -->\n<table name='units'>\n" +
-                   record(UUID_A, "    <!-- </record> -->\n    <unit>a</unit>\n    <men> 7 </men>\n") +
-                   "  <!-- between -->\n" + record(UUID_B, "    <unit>b<![CDATA[<]]>&amp;</unit>\n") +
-                   "</table>\n\n");
+    QVERIFY(ORBIN_TEST::write_file(
+        path("units.xml"),
+        "\xEF\xBB\xBF" + HEADER + "<!-- made by hand -->\n<table name='units'>\n" +
+            record(UUID_A, "    <!-- </record> -->\n    <unit>a</unit>\n    <men> 7 </men>\n") +
+            "  <!-- between -->\n" + record(UUID_B, "    <unit>b<![CDATA[<]]>&amp;</unit>\n") +
+            "</table>\n\n"));
     m_db->reconnect();
     QString error;
-    const KOR_TABLE_DATA* units = m_db->query_interface().get_table_data(error, QStringLiteral("units"));
+    const KOR_TABLE_DATA* units = m_db->query_interface().get_table_data(error, "units");
     QVERIFY2(units, qPrintable(error));
-    QCOMPARE(units->records().keys(), QList<QString>({QStringLiteral("a"), QStringLiteral("b<&")}));
-    QCOMPARE(
-        units->record_by_key(QStringLiteral("a"))->get_field_data(QStringLiteral("men"))->m_value.toInt(), 7);
+    QCOMPARE(units->records().keys(), QList<QString>({"a", "b<&"}));
+    QCOMPARE(units->record_by_key("a")->get_field_data("men")->m_value.toInt(), 7);
 }
 
 QTEST_GUILESS_MAIN(TST_KOR_ENGINE_BAD_INPUT)

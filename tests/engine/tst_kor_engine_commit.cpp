@@ -10,25 +10,13 @@
 #include "kor_table_schema.h"
 #include "kor_xml_query_interface.h"
 #include "test_database_builder.h"
+#include "test_helpers.h"
 
 #include <QtTest>
 
 namespace
 {
-bool copy_folder(const QString& from, const QString& to)
-{
-    QDir().mkpath(to);
-    QDirIterator it(from, QDir::Files | QDir::Hidden, QDirIterator::Subdirectories);
-    while (it.hasNext())
-    {
-        const QString source = it.next();
-        const QString target = to + QLatin1Char('/') + QDir(from).relativeFilePath(source);
-        QDir().mkpath(QFileInfo(target).absolutePath());
-        if (!QFile::copy(source, target))
-            return false;
-    }
-    return true;
-}
+const auto add = &TEST_DATABASE_BUILDER::add_record;
 
 QStringList leftovers(const QString& folder)
 {
@@ -48,18 +36,16 @@ QStringList leftovers(const QString& folder)
 QString state_of(KOR_XML_QUERY_INTERFACE& engine)
 {
     QString error;
-    const KOR_TABLE_DATA* units = engine.get_table_data(error, QStringLiteral("units"));
-    const KOR_TABLE_DATA* factions = engine.get_table_data(error, QStringLiteral("factions"));
+    const KOR_TABLE_DATA* units = engine.get_table_data(error, "units");
+    const KOR_TABLE_DATA* factions = engine.get_table_data(error, "factions");
     if (!units || !factions)
         return QStringLiteral("unreadable: ") + error;
-    const KOR_TABLE_SCHEMA* schema = engine.get_table_schema(QStringLiteral("units"));
-    return QStringLiteral("men=%1 gauls=%2 scratch=%3 description=%4")
-        .arg(units->record_by_key(QStringLiteral("hastati"))
-                 ->get_field_data(QStringLiteral("men"))
-                 ->value_text())
-        .arg(factions->record_by_key(QStringLiteral("gauls")) ? 1 : 0)
-        .arg(engine.get_table_schema(QStringLiteral("scratch")) ? 1 : 0)
-        .arg(schema->field_schema_by_name(QStringLiteral("men"))->description());
+    const KOR_TABLE_SCHEMA* schema = engine.get_table_schema("units");
+    return QString("men=%1 gauls=%2 scratch=%3 description=%4")
+        .arg(units->record_by_key("hastati")->get_field_data("men")->value_text())
+        .arg(factions->record_by_key("gauls") ? 1 : 0)
+        .arg(engine.get_table_schema("scratch") ? 1 : 0)
+        .arg(schema->field_schema_by_name("men")->description());
 }
 
 // The same, as a fresh interface reads it from disk.
@@ -74,8 +60,8 @@ QString state_on_disk(const QString& folder)
     return state_of(engine) + QStringLiteral(" commands=%1").arg(commands.readAll().count('\n'));
 }
 
-const QString OLD_STATE = QStringLiteral("men=60 gauls=0 scratch=1 description=");
-const QString NEW_STATE = QStringLiteral("men=61 gauls=1 scratch=0 description=Soldiers");
+const QString OLD_STATE = "men=60 gauls=0 scratch=1 description=";
+const QString NEW_STATE = "men=61 gauls=1 scratch=0 description=Soldiers";
 
 // Edits two tables, the schema of one and removes a third: every kind of file
 // step a commit has.
@@ -83,22 +69,17 @@ bool make_changes(KOR_XML_QUERY_INTERFACE& engine, QString& error)
 {
     if (!engine.begin_transaction(error, true))
         return false;
-    const KOR_TABLE_DATA* units = engine.get_table_data(error, QStringLiteral("units"));
-    KOR_RECORD_DATA* hastati = units->record_by_key(QStringLiteral("hastati"));
+    const KOR_TABLE_DATA* units = engine.get_table_data(error, "units");
+    KOR_RECORD_DATA* hastati = units->record_by_key("hastati");
     KOR_RECORD_DATA edited(*hastati, nullptr, false);
-    edited.get_field_data(QStringLiteral("men"))->m_value = 61;
-    error = engine.edit_record_data(QStringLiteral("units"), hastati, &edited);
+    edited.get_field_data("men")->m_value = 61;
+    error = engine.edit_record_data("units", hastati, &edited);
     if (error.isEmpty())
-        error = engine.add_record(QStringLiteral("factions"),
-                                  TEST_DATABASE_BUILDER::make_record(
-                                      engine.get_table_schema(QStringLiteral("factions")), {{"key", "gauls"}})
-                                      .get());
+        error = add(engine, "factions", {{"key", "gauls"}});
     if (error.isEmpty())
-        error = engine.set_field_description(QStringLiteral("units"), QStringLiteral("men"), QUuid(),
-                                             QStringLiteral("Soldiers"));
+        error = engine.set_field_description("units", "men", QUuid(), "Soldiers");
     if (error.isEmpty())
-        error =
-            engine.remove_table(QStringLiteral("scratch"), QStringLiteral("tester"), QStringLiteral("test"));
+        error = engine.remove_table("scratch", "tester", "test");
     return error.isEmpty();
 }
 } // namespace
@@ -122,15 +103,14 @@ private:
 void TST_KOR_ENGINE_COMMIT::initTestCase()
 {
     QVERIFY(m_folder.isValid());
-    m_template = m_folder.filePath(QStringLiteral("template"));
+    m_template = m_folder.filePath("template");
     TEST_DATABASE_BUILDER db(m_template);
-    db.table(QStringLiteral("factions"), {TEST_FIELD::key(QStringLiteral("key"))})
-        .table(QStringLiteral("units"), {TEST_FIELD::key(QStringLiteral("unit")),
-                                         TEST_FIELD::plain(QStringLiteral("men"), KFT_INTEGER)})
-        .table(QStringLiteral("scratch"), {TEST_FIELD::key(QStringLiteral("key"))})
-        .record(QStringLiteral("factions"), {{"key", "rome"}})
-        .record(QStringLiteral("units"), {{"unit", "hastati"}, {"men", 60}})
-        .record(QStringLiteral("scratch"), {{"key", "x"}});
+    db.table("factions", {TEST_FIELD::key("key")})
+        .table("units", {TEST_FIELD::key("unit"), TEST_FIELD::plain("men", KFT_INTEGER)})
+        .table("scratch", {TEST_FIELD::key("key")})
+        .record("factions", {{"key", "rome"}})
+        .record("units", {{"unit", "hastati"}, {"men", 60}})
+        .record("scratch", {{"key", "x"}});
     QVERIFY2(db.ok(), qPrintable(db.error()));
     QCOMPARE(state_of(db.query_interface()), OLD_STATE);
     QFile commands(m_template + QStringLiteral("/update_commands.txt"));
@@ -159,7 +139,7 @@ void TST_KOR_ENGINE_COMMIT::every_step_of_a_commit_can_fail()
     for (int fault_at = 0;; ++fault_at)
     {
         const QString work = m_folder.filePath(QStringLiteral("work%1_%2").arg(fault).arg(fault_at));
-        QVERIFY(copy_folder(m_template, work));
+        QVERIFY(ORBIN_TEST::copy_folder(m_template, work));
         int calls = 0;
         int faulted_step = -1;
         KOR_FILE_COMMIT::set_fault_hook([&](KOR_FILE_COMMIT::STEP step, const QString&) {
@@ -173,8 +153,8 @@ void TST_KOR_ENGINE_COMMIT::every_step_of_a_commit_can_fail()
             KOR_XML_QUERY_INTERFACE engine(nullptr, QString(), false, false);
             QVERIFY(engine.connect_without_merge(work, false).isEmpty());
             QString error;
-            const KOR_TABLE_DATA* units = engine.get_table_data(error, QStringLiteral("units"));
-            KOR_RECORD_DATA* hastati = units->record_by_key(QStringLiteral("hastati"));
+            const KOR_TABLE_DATA* units = engine.get_table_data(error, "units");
+            KOR_RECORD_DATA* hastati = units->record_by_key("hastati");
             QVERIFY2(make_changes(engine, error), qPrintable(error));
             committed = engine.end_transaction(error);
             const QString tag =
@@ -189,9 +169,7 @@ void TST_KOR_ENGINE_COMMIT::every_step_of_a_commit_can_fail()
             {
                 // Memory is the old state again, in the same objects.
                 QCOMPARE(state_of(engine), OLD_STATE);
-                QCOMPARE(engine.get_table_data(error, QStringLiteral("units"))
-                             ->record_by_key(QStringLiteral("hastati")),
-                         hastati);
+                QCOMPARE(engine.get_table_data(error, "units")->record_by_key("hastati"), hastati);
                 QVERIFY2(!error.isEmpty(), qPrintable(tag));
                 QVERIFY2(leftovers(work).isEmpty(), qPrintable(tag + leftovers(work).join(' ')));
             }

@@ -38,29 +38,22 @@ private:
 void TST_KOR_ENGINE_LOOKUPS::init()
 {
     m_folder = std::make_unique<QTemporaryDir>();
-    m_db = std::make_unique<TEST_DATABASE_BUILDER>(m_folder->filePath(QStringLiteral("db")));
-    m_db->table(QStringLiteral("factions"),
-                {TEST_FIELD::key(QStringLiteral("key")), TEST_FIELD::plain(QStringLiteral("name"), KFT_TEXT)})
-        .table(QStringLiteral("units"),
-               {TEST_FIELD::key(QStringLiteral("unit")),
-                TEST_FIELD::plain(QStringLiteral("faction"), KFT_TEXT)
-                    .refers_to(QStringLiteral("factions"), QStringLiteral("key"), {QStringLiteral("name")}),
-                TEST_FIELD::plain(QStringLiteral("ally"), KFT_TEXT)
-                    .required()
-                    .refers_to(QStringLiteral("factions"), QStringLiteral("key"))})
-        .table(QStringLiteral("regiments"),
-               {TEST_FIELD::key(QStringLiteral("regiment"), KFT_INTEGER),
-                TEST_FIELD::plain(QStringLiteral("unit"), KFT_TEXT)
-                    .refers_to(QStringLiteral("units"), QStringLiteral("unit"),
-                               {QStringLiteral("unit"), QStringLiteral("faction")})})
-        .record(QStringLiteral("factions"), {{"key", "rome"}, {"name", "Rome"}})
-        .record(QStringLiteral("factions"), {{"key", "carthage"}, {"name", "Carthage"}})
-        .record(QStringLiteral("factions"), {{"key", "athens"}, {"name", "athens"}})
-        .record(QStringLiteral("factions"), {{"key", "aardvarks"}, {"name", "Zoo"}})
-        .record(QStringLiteral("units"), {{"unit", "hastati"}, {"faction", "rome"}, {"ally", "rome"}})
-        .record(QStringLiteral("units"), {{"unit", "elephants"}, {"faction", "carthage"}, {"ally", "rome"}})
-        .record(QStringLiteral("regiments"), {{"regiment", 1}, {"unit", "hastati"}})
-        .record(QStringLiteral("regiments"), {{"regiment", 2}, {"unit", "hastati"}});
+    m_db = std::make_unique<TEST_DATABASE_BUILDER>(m_folder->filePath("db"));
+    m_db->table("factions", {TEST_FIELD::key("key"), TEST_FIELD::plain("name", KFT_TEXT)})
+        .table("units", {TEST_FIELD::key("unit"),
+                         TEST_FIELD::plain("faction", KFT_TEXT).refers_to("factions", "key", {"name"}),
+                         TEST_FIELD::plain("ally", KFT_TEXT).required().refers_to("factions", "key")})
+        .table("regiments",
+               {TEST_FIELD::key("regiment", KFT_INTEGER),
+                TEST_FIELD::plain("unit", KFT_TEXT).refers_to("units", "unit", {"unit", "faction"})})
+        .record("factions", {{"key", "rome"}, {"name", "Rome"}})
+        .record("factions", {{"key", "carthage"}, {"name", "Carthage"}})
+        .record("factions", {{"key", "athens"}, {"name", "athens"}})
+        .record("factions", {{"key", "aardvarks"}, {"name", "Zoo"}})
+        .record("units", {{"unit", "hastati"}, {"faction", "rome"}, {"ally", "rome"}})
+        .record("units", {{"unit", "elephants"}, {"faction", "carthage"}, {"ally", "rome"}})
+        .record("regiments", {{"regiment", 1}, {"unit", "hastati"}})
+        .record("regiments", {{"regiment", 2}, {"unit", "hastati"}});
     QVERIFY2(m_db->ok(), qPrintable(m_db->error()));
 }
 
@@ -70,13 +63,13 @@ void TST_KOR_ENGINE_LOOKUPS::dependency_values_exist_data()
     QTest::addColumn<QVariant>("value");
     QTest::addColumn<bool>("exists");
 
-    QTest::newRow("existing key") << "faction" << QVariant(QStringLiteral("rome")) << true;
-    QTest::newRow("missing key") << "faction" << QVariant(QStringLiteral("gauls")) << false;
-    QTest::newRow("case matters") << "faction" << QVariant(QStringLiteral("Rome")) << false;
+    QTest::newRow("existing key") << "faction" << QVariant("rome") << true;
+    QTest::newRow("missing key") << "faction" << QVariant("gauls") << false;
+    QTest::newRow("case matters") << "faction" << QVariant("Rome") << false;
     QTest::newRow("empty optional") << "faction" << QVariant(QString()) << true;
     QTest::newRow("no value, optional") << "faction" << QVariant() << true;
     QTest::newRow("empty required") << "ally" << QVariant(QString()) << false;
-    QTest::newRow("no relationship") << "unit" << QVariant(QStringLiteral("anything")) << true;
+    QTest::newRow("no relationship") << "unit" << QVariant("anything") << true;
 }
 
 void TST_KOR_ENGINE_LOOKUPS::dependency_values_exist()
@@ -85,21 +78,21 @@ void TST_KOR_ENGINE_LOOKUPS::dependency_values_exist()
     QFETCH(QVariant, value);
     QFETCH(bool, exists);
     QString error;
-    QCOMPARE(m_db->query_interface().dependency_value_exists(
-                 error, QStringLiteral("units"), this->field(QStringLiteral("units"), field), value),
-             exists);
+    QCOMPARE(
+        m_db->query_interface().dependency_value_exists(error, "units", this->field("units", field), value),
+        exists);
     QCOMPARE(error.isEmpty(), exists);
 }
 
 void TST_KOR_ENGINE_LOOKUPS::lookup_values_match_single_lookups()
 {
     KOR_XML_QUERY_INTERFACE& engine = m_db->query_interface();
-    for (const QString& name : {QStringLiteral("faction"), QStringLiteral("ally")})
+    for (const char* name : {"faction", "ally"})
     {
         QVector<QVariant> keys;
         QList<QString> texts;
         QString error;
-        const KOR_FIELD_SCHEMA* lookup = field(QStringLiteral("units"), name);
+        const KOR_FIELD_SCHEMA* lookup = field("units", name);
         QVERIFY2(engine.get_field_lookup_values(error, keys, texts, lookup), qPrintable(error));
         QCOMPARE(keys.size(), texts.size());
         QCOMPARE(keys.size(), 4);
@@ -115,19 +108,14 @@ void TST_KOR_ENGINE_LOOKUPS::lookup_values_match_single_lookups()
     QVector<QVariant> keys;
     QList<QString> texts;
     QString error;
-    QVERIFY(engine.get_field_lookup_values(error, keys, texts,
-                                           field(QStringLiteral("units"), QStringLiteral("faction"))));
-    QCOMPARE(texts, QList<QString>({QStringLiteral("athens"), QStringLiteral("Carthage"),
-                                    QStringLiteral("Rome"), QStringLiteral("Zoo")}));
-    QCOMPARE(keys.first().toString(), QStringLiteral("athens"));
+    QVERIFY(engine.get_field_lookup_values(error, keys, texts, field("units", "faction")));
+    QCOMPARE(texts, QList<QString>({"athens", "Carthage", "Rome", "Zoo"}));
+    QCOMPARE(keys.first().toString(), "athens");
 
     QString text;
-    QVERIFY(engine.get_field_lookup_value(error, text,
-                                          field(QStringLiteral("regiments"), QStringLiteral("unit")),
-                                          QStringLiteral("elephants")));
-    QCOMPARE(text, QStringLiteral("elephants:carthage"));
-    QVERIFY(!engine.get_field_lookup_value(
-        error, text, field(QStringLiteral("units"), QStringLiteral("faction")), QStringLiteral("gauls")));
+    QVERIFY(engine.get_field_lookup_value(error, text, field("regiments", "unit"), "elephants"));
+    QCOMPARE(text, "elephants:carthage");
+    QVERIFY(!engine.get_field_lookup_value(error, text, field("units", "faction"), "gauls"));
     QVERIFY(text.isEmpty());
     QVERIFY(!error.isEmpty());
 }
@@ -136,73 +124,60 @@ void TST_KOR_ENGINE_LOOKUPS::main_dependency_values_are_the_foreign_keys()
 {
     QVector<QVariant> values;
     QString error;
-    QVERIFY(m_db->query_interface().get_main_dependency_field_data(
-        error, values, field(QStringLiteral("units"), QStringLiteral("faction"))));
+    QVERIFY(m_db->query_interface().get_main_dependency_field_data(error, values, field("units", "faction")));
     QStringList texts;
     for (const QVariant& value : values)
         texts.append(value.toString());
     QCOMPARE(texts, QStringList({"aardvarks", "athens", "carthage", "rome"}));
-    QVERIFY(!m_db->query_interface().get_main_dependency_field_data(
-        error, values, field(QStringLiteral("units"), QStringLiteral("unit"))));
+    QVERIFY(!m_db->query_interface().get_main_dependency_field_data(error, values, field("units", "unit")));
 }
 
 void TST_KOR_ENGINE_LOOKUPS::dependents_using_a_value_are_found()
 {
     KOR_XML_QUERY_INTERFACE& engine = m_db->query_interface();
-    const KOR_FIELD_SCHEMA* key = field(QStringLiteral("factions"), QStringLiteral("key"));
+    const KOR_FIELD_SCHEMA* key = field("factions", "key");
     QString error;
-    QVERIFY(engine.any_dependents_using_existing_value(error, QStringLiteral("factions"), key,
-                                                       QStringLiteral("rome")));
-    QVERIFY(!engine.any_dependents_using_existing_value(error, QStringLiteral("factions"), key,
-                                                        QStringLiteral("athens")));
+    QVERIFY(engine.any_dependents_using_existing_value(error, "factions", key, "rome"));
+    QVERIFY(!engine.any_dependents_using_existing_value(error, "factions", key, "athens"));
     QMap<QString, QSet<QString>> users;
-    QVERIFY(engine.dependents_of_field_using_value(users, key, QStringLiteral("rome")));
-    QCOMPARE(users.keys(), QList<QString>{QStringLiteral("units")});
-    QCOMPARE(users.value(QStringLiteral("units")), QSet<QString>({"hastati", "elephants"}));
-    QVERIFY(engine.dependents_of_field_using_value(
-        users, field(QStringLiteral("units"), QStringLiteral("unit")), QStringLiteral("hastati")));
-    QCOMPARE(users.value(QStringLiteral("regiments")), QSet<QString>({"1", "2"}));
+    QVERIFY(engine.dependents_of_field_using_value(users, key, "rome"));
+    QCOMPARE(users.keys(), QList<QString>{"units"});
+    QCOMPARE(users.value("units"), QSet<QString>({"hastati", "elephants"}));
+    QVERIFY(engine.dependents_of_field_using_value(users, field("units", "unit"), "hastati"));
+    QCOMPARE(users.value("regiments"), QSet<QString>({"1", "2"}));
 }
 
 void TST_KOR_ENGINE_LOOKUPS::related_tables_are_collected()
 {
     KOR_XML_QUERY_INTERFACE& engine = m_db->query_interface();
     QSet<QString> related;
-    engine.add_dependent_tables_to_set(related, QStringLiteral("units"));
-    QCOMPARE(related, QSet<QString>{QStringLiteral("regiments")});
-    engine.add_dependency_tables_to_set(related, QStringLiteral("units"));
-    QCOMPARE(related, QSet<QString>({QStringLiteral("regiments"), QStringLiteral("factions")}));
+    engine.add_dependent_tables_to_set(related, "units");
+    QCOMPARE(related, QSet<QString>{"regiments"});
+    engine.add_dependency_tables_to_set(related, "units");
+    QCOMPARE(related, QSet<QString>({"regiments", "factions"}));
 
     QString error;
     QList<QString> below;
-    QCOMPARE(engine.collect_dependant_tables(below, engine.get_table_data(error, QStringLiteral("factions")),
-                                             error),
-             2);
-    QCOMPARE(below, QList<QString>({QStringLiteral("units"), QStringLiteral("regiments")}));
+    QCOMPARE(engine.collect_dependant_tables(below, engine.get_table_data(error, "factions"), error), 2);
+    QCOMPARE(below, QList<QString>({"units", "regiments"}));
     QList<QString> above;
-    QCOMPARE(engine.collect_dependency_tables(
-                 above, engine.get_table_data(error, QStringLiteral("regiments")), error),
-             2);
-    QCOMPARE(above, QList<QString>({QStringLiteral("units"), QStringLiteral("factions")}));
+    QCOMPARE(engine.collect_dependency_tables(above, engine.get_table_data(error, "regiments"), error), 2);
+    QCOMPARE(above, QList<QString>({"units", "factions"}));
 
     const auto relationships = engine.relationship_data();
-    QCOMPARE(relationships.value(QStringLiteral("regiments")).value(QStringLiteral("unit")).foreign_table,
-             QStringLiteral("units"));
-    QCOMPARE(relationships.value(QStringLiteral("units")).keys(), QList<QString>({"ally", "faction"}));
+    QCOMPARE(relationships.value("regiments").value("unit").foreign_table, "units");
+    QCOMPARE(relationships.value("units").keys(), QList<QString>({"ally", "faction"}));
 }
 
 void TST_KOR_ENGINE_LOOKUPS::fields_know_who_refers_to_them()
 {
     typedef QList<QPair<QString, QString>> REFERENCES;
-    QCOMPARE(field(QStringLiteral("factions"), QStringLiteral("key"))->dependents(),
-             REFERENCES({{"units", "ally"}, {"units", "faction"}}));
-    QCOMPARE(field(QStringLiteral("factions"), QStringLiteral("name"))->looked_up_by(),
-             REFERENCES({{"units", "faction"}}));
-    QCOMPARE(field(QStringLiteral("units"), QStringLiteral("faction"))->looked_up_by(),
-             REFERENCES({{"regiments", "unit"}}));
-    QVERIFY(field(QStringLiteral("units"), QStringLiteral("faction"))->dependents().isEmpty());
-    QCOMPARE(m_db->query_interface().get_table_schema(QStringLiteral("factions"))->dependent_fields(),
-             (QMap<QString, QStringList>{{QStringLiteral("units"), {"ally", "faction"}}}));
+    QCOMPARE(field("factions", "key")->dependents(), REFERENCES({{"units", "ally"}, {"units", "faction"}}));
+    QCOMPARE(field("factions", "name")->looked_up_by(), REFERENCES({{"units", "faction"}}));
+    QCOMPARE(field("units", "faction")->looked_up_by(), REFERENCES({{"regiments", "unit"}}));
+    QVERIFY(field("units", "faction")->dependents().isEmpty());
+    QCOMPARE(m_db->query_interface().get_table_schema("factions")->dependent_fields(),
+             (QMap<QString, QStringList>{{"units", {"ally", "faction"}}}));
 }
 
 QTEST_GUILESS_MAIN(TST_KOR_ENGINE_LOOKUPS)

@@ -8,51 +8,30 @@
 #include "kor_table_schema.h"
 #include "kor_xml_query_interface.h"
 #include "test_database_builder.h"
+#include "test_helpers.h"
 
 #include <QtTest>
 
 namespace
 {
-QByteArray file_bytes(const QString& path)
-{
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-}
-
-// A copy of an engine record with some values changed.
-std::unique_ptr<KOR_RECORD_DATA> changed(const KOR_RECORD_DATA* record, const QVariantMap& values)
-{
-    auto copy = std::make_unique<KOR_RECORD_DATA>(*record, nullptr, false);
-    for (auto it = values.constBegin(); it != values.constEnd(); ++it)
-        copy->get_field_data(it.key())->m_value = it.value();
-    return copy;
-}
-
-QString value_of(KOR_XML_QUERY_INTERFACE& db, const QString& table, const QString& key, const QString& field)
-{
-    QString error;
-    const KOR_TABLE_DATA* data = db.get_table_data(error, table);
-    const KOR_RECORD_DATA* record = data ? data->record_by_key(key) : nullptr;
-    const KOR_FIELD_DATA* value = record ? record->get_field_data(field) : nullptr;
-    return value ? value->value_text() : QStringLiteral("<none>");
-}
+const auto add = &TEST_DATABASE_BUILDER::add_record;
+const auto edit = &TEST_DATABASE_BUILDER::edit_record;
+const auto changed = &TEST_DATABASE_BUILDER::changed;
+const auto value_of = &TEST_DATABASE_BUILDER::value_text;
 
 // factions <- units.faction, with three units.
 void build_army(TEST_DATABASE_BUILDER& db)
 {
-    db.table(QStringLiteral("factions"),
-             {TEST_FIELD::key(QStringLiteral("key")), TEST_FIELD::plain(QStringLiteral("name"), KFT_TEXT)})
-        .table(QStringLiteral("units"),
-               {TEST_FIELD::key(QStringLiteral("unit")),
-                TEST_FIELD::plain(QStringLiteral("faction"), KFT_TEXT)
-                    .refers_to(QStringLiteral("factions"), QStringLiteral("key"), {QStringLiteral("name")}),
-                TEST_FIELD::plain(QStringLiteral("men"), KFT_INTEGER).with_default(60),
-                TEST_FIELD::plain(QStringLiteral("id"), KFT_AUTONUMBER)})
-        .record(QStringLiteral("factions"), {{"key", "rome"}, {"name", "Rome"}})
-        .record(QStringLiteral("factions"), {{"key", "carthage"}, {"name", "Carthage"}})
-        .record(QStringLiteral("units"), {{"unit", "hastati"}, {"faction", "rome"}})
-        .record(QStringLiteral("units"), {{"unit", "triarii"}, {"faction", "rome"}, {"men", 40}})
-        .record(QStringLiteral("units"), {{"unit", "elephants"}, {"faction", "carthage"}, {"men", 12}});
+    db.table("factions", {TEST_FIELD::key("key"), TEST_FIELD::plain("name", KFT_TEXT)})
+        .table("units", {TEST_FIELD::key("unit"),
+                         TEST_FIELD::plain("faction", KFT_TEXT).refers_to("factions", "key", {"name"}),
+                         TEST_FIELD::plain("men", KFT_INTEGER).with_default(60),
+                         TEST_FIELD::plain("id", KFT_AUTONUMBER)})
+        .record("factions", {{"key", "rome"}, {"name", "Rome"}})
+        .record("factions", {{"key", "carthage"}, {"name", "Carthage"}})
+        .record("units", {{"unit", "hastati"}, {"faction", "rome"}})
+        .record("units", {{"unit", "triarii"}, {"faction", "rome"}, {"men", 40}})
+        .record("units", {{"unit", "elephants"}, {"faction", "carthage"}, {"men", 12}});
 }
 } // namespace
 
@@ -86,7 +65,7 @@ private slots:
 
 private:
     std::unique_ptr<QTemporaryDir> m_folder;
-    QString database_path() const { return m_folder->filePath(QStringLiteral("db")); }
+    QString database_path() const { return m_folder->filePath("db"); }
 };
 
 void TST_KOR_ENGINE_RECORDS::init()
@@ -108,9 +87,9 @@ void TST_KOR_ENGINE_RECORDS::values_survive_a_reload_data()
     QTest::newRow("double") << int(KFT_DOUBLE) << QVariant(1.0 / 3.0) << "0.3333333333333333";
     QTest::newRow("decimal") << int(KFT_DECIMAL) << QVariant(12.5) << "12.5";
     QTest::newRow("text with markup and blanks")
-        << int(KFT_TEXT) << QVariant(QStringLiteral("  <a & \"b\"> \r\n\t")) << "  <a & \"b\"> \r\n\t";
+        << int(KFT_TEXT) << QVariant("  <a & \"b\"> \r\n\t") << "  <a & \"b\"> \r\n\t";
     QTest::newRow("text beyond the basic plane")
-        << int(KFT_TEXT) << QVariant(QStringLiteral("Ελλάς 🏛")) << "Ελλάς 🏛";
+        << int(KFT_TEXT) << QVariant("Ελλάς 🏛") << "Ελλάς 🏛";
     QTest::newRow("text with control characters")
         << int(KFT_TEXT) << QVariant(QString(QChar(1)) + QChar(0x1f))
         << QString(QString(QChar(1)) + QChar(0x1f));
@@ -129,16 +108,14 @@ void TST_KOR_ENGINE_RECORDS::values_survive_a_reload()
     QFETCH(QVariant, value);
     QFETCH(QString, text);
     TEST_DATABASE_BUILDER db(database_path());
-    db.table(QStringLiteral("things"), {TEST_FIELD::key(QStringLiteral("key")),
-                                        TEST_FIELD::plain(QStringLiteral("value"), KOR_FIELD_TYPE(type))})
-        .record(QStringLiteral("things"), {{"key", "a"}, {"value", value}})
+    db.table("things", {TEST_FIELD::key("key"), TEST_FIELD::plain("value", KOR_FIELD_TYPE(type))})
+        .record("things", {{"key", "a"}, {"value", value}})
         .reconnect();
     QVERIFY2(db.ok(), qPrintable(db.error()));
     QString error;
-    const KOR_TABLE_DATA* data = db.query_interface().get_table_data(error, QStringLiteral("things"));
+    const KOR_TABLE_DATA* data = db.query_interface().get_table_data(error, "things");
     QVERIFY2(data, qPrintable(error));
-    const KOR_FIELD_DATA* field =
-        data->record_by_key(QStringLiteral("a"))->get_field_data(QStringLiteral("value"));
+    const KOR_FIELD_DATA* field = data->record_by_key("a")->get_field_data("value");
     QCOMPARE(field->value_text(), text);
     if (value.isValid() && !(value.type() == QVariant::String && value.toString().isEmpty()))
         QCOMPARE(int(field->m_value.type()), int(value.type()));
@@ -151,15 +128,15 @@ void TST_KOR_ENGINE_RECORDS::identical_data_writes_identical_bytes()
     QVERIFY2(db.ok(), qPrintable(db.error()));
     const QString file = db.path() + QStringLiteral("/units.xml");
     const QString schema_file = db.path() + QStringLiteral("/Veld_schemas/units.xml");
-    const QByteArray written = file_bytes(file);
-    const QByteArray schema_written = file_bytes(schema_file);
+    const QByteArray written = ORBIN_TEST::read_file(file);
+    const QByteArray schema_written = ORBIN_TEST::read_file(schema_file);
     QVERIFY(written.contains("<unit>hastati</unit>"));
     db.reconnect();
     QString error;
-    QVERIFY2(db.query_interface().save_table(error, QStringLiteral("units")), qPrintable(error));
-    QVERIFY2(db.query_interface().save_schema(error, QStringLiteral("units")), qPrintable(error));
-    QCOMPARE(file_bytes(file), written);
-    QCOMPARE(file_bytes(schema_file), schema_written);
+    QVERIFY2(db.query_interface().save_table(error, "units"), qPrintable(error));
+    QVERIFY2(db.query_interface().save_schema(error, "units"), qPrintable(error));
+    QCOMPARE(ORBIN_TEST::read_file(file), written);
+    QCOMPARE(ORBIN_TEST::read_file(schema_file), schema_written);
     // Records are kept in key order.
     QVERIFY(written.indexOf("elephants") < written.indexOf("hastati"));
     QVERIFY(written.indexOf("hastati") < written.indexOf("triarii"));
@@ -168,11 +145,9 @@ void TST_KOR_ENGINE_RECORDS::identical_data_writes_identical_bytes()
 void TST_KOR_ENGINE_RECORDS::a_table_larger_than_the_write_buffer_survives_a_reload()
 {
     TEST_DATABASE_BUILDER db(database_path());
-    db.table(QStringLiteral("things"), {TEST_FIELD::key(QStringLiteral("key"), KFT_INTEGER),
-                                        TEST_FIELD::plain(QStringLiteral("text"), KFT_TEXT)});
+    db.table("things", {TEST_FIELD::key("key", KFT_INTEGER), TEST_FIELD::plain("text", KFT_TEXT)});
     QVERIFY2(db.ok(), qPrintable(db.error()));
     KOR_XML_QUERY_INTERFACE& engine = db.query_interface();
-    const KOR_TABLE_SCHEMA* schema = engine.get_table_schema(QStringLiteral("things"));
     QString error;
     QVERIFY(engine.begin_transaction(error, true));
     // Texts of every length around the buffer's edge, with characters that
@@ -181,50 +156,39 @@ void TST_KOR_ENGINE_RECORDS::a_table_larger_than_the_write_buffer_survives_a_rel
     {
         const QString text =
             QString(i % 97 + 300, QLatin1Char('x')) + QStringLiteral("<&é🏛\r") + QString::number(i);
-        QVERIFY(
-            engine
-                .add_record(QStringLiteral("things"),
-                            TEST_DATABASE_BUILDER::make_record(schema, {{"key", i}, {"text", text}}).get())
-                .isEmpty());
+        QVERIFY(add(engine, "things", {{"key", i}, {"text", text}}).isEmpty());
     }
     QVERIFY2(engine.end_transaction(error), qPrintable(error));
     // Larger than the writer's buffer and than the reader's slices.
     QVERIFY(QFileInfo(database_path() + QStringLiteral("/things.xml")).size() > (4 << 20));
     db.reconnect();
-    const KOR_TABLE_DATA* data = engine.get_table_data(error, QStringLiteral("things"));
+    const KOR_TABLE_DATA* data = engine.get_table_data(error, "things");
     QVERIFY2(data, qPrintable(error));
     QCOMPARE(data->record_count(), 12000);
     for (int i = 0; i < 12000; i += 7)
-        QCOMPARE(
-            data->record_by_key(QString::number(i))->get_field_data(QStringLiteral("text"))->value_text(),
-            QString(i % 97 + 300, QLatin1Char('x')) + QStringLiteral("<&é🏛\r") + QString::number(i));
+        QCOMPARE(data->record_by_key(QString::number(i))->get_field_data("text")->value_text(),
+                 QString(i % 97 + 300, QLatin1Char('x')) + QStringLiteral("<&é🏛\r") + QString::number(i));
 }
 
 void TST_KOR_ENGINE_RECORDS::approval_data_and_modification_time_survive_a_reload()
 {
     TEST_DATABASE_BUILDER db(database_path());
-    db.table(QStringLiteral("texts"), {TEST_FIELD::key(QStringLiteral("key")),
-                                       TEST_FIELD::plain(QStringLiteral("text"), KFT_TEXT).localised()})
-        .record(QStringLiteral("texts"), {{"key", "a"}, {"text", "Hello"}});
+    db.table("texts", {TEST_FIELD::key("key"), TEST_FIELD::plain("text", KFT_TEXT).localised()})
+        .record("texts", {{"key", "a"}, {"text", "Hello"}});
     QVERIFY2(db.ok(), qPrintable(db.error()));
     QString error;
-    const KOR_RECORD_DATA* record = db.query_interface()
-                                        .get_table_data(error, QStringLiteral("texts"))
-                                        ->record_by_key(QStringLiteral("a"));
+    const KOR_RECORD_DATA* record = db.query_interface().get_table_data(error, "texts")->record_by_key("a");
     const qint64 modified = record->modification_msecs();
     QVERIFY(qAbs(modified - QDateTime::currentMSecsSinceEpoch()) < 60000);
-    QVERIFY(record->get_field_data(QStringLiteral("text"))->has_approval_data());
+    QVERIFY(record->get_field_data("text")->has_approval_data());
     QVERIFY(db.query_interface()
-                .approve_text(QStringLiteral("texts"), QStringLiteral("text"), QStringLiteral("a"),
-                              record->uuid(), true, false, false)
+                .approve_text("texts", "text", "a", record->uuid(), true, false, false)
                 .isEmpty());
     db.reconnect();
-    record = db.query_interface()
-                 .get_table_data(error, QStringLiteral("texts"))
-                 ->record_by_key(QStringLiteral("a"));
-    const KOR_FIELD_DATA* text = record->get_field_data(QStringLiteral("text"));
+    record = db.query_interface().get_table_data(error, "texts")->record_by_key("a");
+    const KOR_FIELD_DATA* text = record->get_field_data("text");
     QCOMPARE(text->approval_state(), int(KOR_FIELD_DATA::TAS_APPROVED));
-    QCOMPARE(text->last_approved_text(), QStringLiteral("Hello"));
+    QCOMPARE(text->last_approved_text(), "Hello");
     QVERIFY(text->requires_translation());
     QVERIFY(!text->requires_recording());
     QVERIFY(!text->last_edit_user().isEmpty());
@@ -234,19 +198,17 @@ void TST_KOR_ENGINE_RECORDS::approval_data_and_modification_time_survive_a_reloa
 void TST_KOR_ENGINE_RECORDS::composite_keys_join_without_separator()
 {
     TEST_DATABASE_BUILDER db(database_path());
-    db.table(QStringLiteral("pairs"),
-             {TEST_FIELD::key(QStringLiteral("left")), TEST_FIELD::key(QStringLiteral("right"), KFT_INTEGER)})
-        .record(QStringLiteral("pairs"), {{"left", "ab"}, {"right", 12}})
-        .record(QStringLiteral("pairs"), {{"left", "a"}, {"right", 3}});
+    db.table("pairs", {TEST_FIELD::key("left"), TEST_FIELD::key("right", KFT_INTEGER)})
+        .record("pairs", {{"left", "ab"}, {"right", 12}})
+        .record("pairs", {{"left", "a"}, {"right", 3}});
     QVERIFY2(db.ok(), qPrintable(db.error()));
     // "a" + "b12" would collide with "ab" + "12" only if the texts were joined differently.
-    db.record(QStringLiteral("pairs"), {{"left", "ab1"}, {"right", 2}});
-    QVERIFY(db.error().contains(QStringLiteral("ab12")));
+    db.record("pairs", {{"left", "ab1"}, {"right", 2}});
+    QVERIFY(db.error().contains("ab12"));
     QString error;
-    const KOR_TABLE_DATA* data = db.query_interface().get_table_data(error, QStringLiteral("pairs"));
-    QCOMPARE(data->records().keys(), QList<QString>({QStringLiteral("a3"), QStringLiteral("ab12")}));
-    QVERIFY(
-        db.query_interface().key_exists_within_transaction(QStringLiteral("pairs"), QStringLiteral("ab12")));
+    const KOR_TABLE_DATA* data = db.query_interface().get_table_data(error, "pairs");
+    QCOMPARE(data->records().keys(), QList<QString>({"a3", "ab12"}));
+    QVERIFY(db.query_interface().key_exists_within_transaction("pairs", "ab12"));
 }
 
 void TST_KOR_ENGINE_RECORDS::tables_load_on_first_use()
@@ -257,12 +219,12 @@ void TST_KOR_ENGINE_RECORDS::tables_load_on_first_use()
     QVERIFY2(db.ok(), qPrintable(db.error()));
     QMap<QString, bool> names;
     db.query_interface().get_table_names(names);
-    QCOMPARE(names.keys(), QList<QString>({QStringLiteral("factions"), QStringLiteral("units")}));
-    QVERIFY(!names.value(QStringLiteral("units")));
+    QCOMPARE(names.keys(), QList<QString>({"factions", "units"}));
+    QVERIFY(!names.value("units"));
     QString error;
-    QVERIFY(db.query_interface().get_table_data(error, QStringLiteral("units")));
+    QVERIFY(db.query_interface().get_table_data(error, "units"));
     db.query_interface().get_table_names(names);
-    QVERIFY(names.value(QStringLiteral("units")));
+    QVERIFY(names.value("units"));
 }
 
 void TST_KOR_ENGINE_RECORDS::begin_discards_an_open_transaction_and_terminate_discards()
@@ -270,37 +232,25 @@ void TST_KOR_ENGINE_RECORDS::begin_discards_an_open_transaction_and_terminate_di
     TEST_DATABASE_BUILDER db(database_path());
     build_army(db);
     KOR_XML_QUERY_INTERFACE& engine = db.query_interface();
-    const KOR_TABLE_SCHEMA* schema = engine.get_table_schema(QStringLiteral("factions"));
     QString error;
 
     QVERIFY(engine.begin_transaction(error, true));
-    QVERIFY(engine
-                .add_record(QStringLiteral("factions"),
-                            TEST_DATABASE_BUILDER::make_record(schema, {{"key", "gauls"}}).get())
-                .isEmpty());
-    QVERIFY(engine.key_exists_within_transaction(QStringLiteral("factions"), QStringLiteral("gauls")));
+    QVERIFY(add(engine, "factions", {{"key", "gauls"}}).isEmpty());
+    QVERIFY(engine.key_exists_within_transaction("factions", "gauls"));
     QVERIFY(engine.begin_transaction(error, true));
-    QVERIFY(!engine.key_exists_within_transaction(QStringLiteral("factions"), QStringLiteral("gauls")));
-    QVERIFY(engine
-                .add_record(QStringLiteral("factions"),
-                            TEST_DATABASE_BUILDER::make_record(schema, {{"key", "greeks"}}).get())
-                .isEmpty());
+    QVERIFY(!engine.key_exists_within_transaction("factions", "gauls"));
+    QVERIFY(add(engine, "factions", {{"key", "greeks"}}).isEmpty());
     engine.terminate_transaction();
     engine.terminate_transaction();
     QVERIFY(!engine.in_transaction());
-    QVERIFY(!engine.key_exists_within_transaction(QStringLiteral("factions"), QStringLiteral("greeks")));
+    QVERIFY(!engine.key_exists_within_transaction("factions", "greeks"));
 
     QVERIFY(engine.begin_transaction(error, false));
-    QVERIFY(engine
-                .add_record(QStringLiteral("factions"),
-                            TEST_DATABASE_BUILDER::make_record(schema, {{"key", "iberians"}}).get())
-                .isEmpty());
+    QVERIFY(add(engine, "factions", {{"key", "iberians"}}).isEmpty());
     QVERIFY2(engine.end_transaction(error), qPrintable(error));
     db.reconnect();
-    QCOMPARE(value_of(engine, QStringLiteral("factions"), QStringLiteral("iberians"), QStringLiteral("key")),
-             QStringLiteral("iberians"));
-    QCOMPARE(value_of(engine, QStringLiteral("factions"), QStringLiteral("gauls"), QStringLiteral("key")),
-             QStringLiteral("<none>"));
+    QCOMPARE(value_of(engine, "factions", "iberians", "key"), "iberians");
+    QCOMPARE(value_of(engine, "factions", "gauls", "key"), "<none>");
     QVERIFY(!engine.end_transaction(error));
     QVERIFY(!error.isEmpty());
 }
@@ -311,31 +261,27 @@ void TST_KOR_ENGINE_RECORDS::records_stay_the_same_objects_across_edits_and_undo
     build_army(db);
     KOR_XML_QUERY_INTERFACE& engine = db.query_interface();
     QString error;
-    const KOR_TABLE_DATA* units = engine.get_table_data(error, QStringLiteral("units"));
-    KOR_RECORD_DATA* triarii = units->record_by_key(QStringLiteral("triarii"));
-    KOR_FIELD_DATA* men = triarii->get_field_data(QStringLiteral("men"));
+    const KOR_TABLE_DATA* units = engine.get_table_data(error, "units");
+    KOR_RECORD_DATA* triarii = units->record_by_key("triarii");
+    KOR_FIELD_DATA* men = triarii->get_field_data("men");
 
-    QVERIFY(engine.edit_record_data(QStringLiteral("units"), triarii, changed(triarii, {{"men", 45}}).get())
-                .isEmpty());
-    QCOMPARE(units->record_by_key(QStringLiteral("triarii")), triarii);
-    QCOMPARE(triarii->get_field_data(QStringLiteral("men")), men);
+    QVERIFY(edit(engine, "units", triarii, {{"men", 45}}).isEmpty());
+    QCOMPARE(units->record_by_key("triarii"), triarii);
+    QCOMPARE(triarii->get_field_data("men"), men);
     QCOMPARE(men->m_value.toInt(), 45);
 
     // Edited, re-keyed and removed records come back as the same objects.
-    KOR_RECORD_DATA* hastati = units->record_by_key(QStringLiteral("hastati"));
+    KOR_RECORD_DATA* hastati = units->record_by_key("hastati");
     QVERIFY(engine.begin_transaction(error, true));
-    QVERIFY(engine
-                .edit_record_data(QStringLiteral("units"), triarii,
-                                  changed(triarii, {{"unit", "veterans"}}).get())
-                .isEmpty());
-    QVERIFY(engine.remove_record(QStringLiteral("units"), *hastati).isEmpty());
-    QVERIFY(!units->record_by_key(QStringLiteral("hastati")));
-    QCOMPARE(units->record_by_key(QStringLiteral("veterans")), triarii);
+    QVERIFY(edit(engine, "units", triarii, {{"unit", "veterans"}}).isEmpty());
+    QVERIFY(engine.remove_record("units", *hastati).isEmpty());
+    QVERIFY(!units->record_by_key("hastati"));
+    QCOMPARE(units->record_by_key("veterans"), triarii);
     engine.terminate_transaction();
-    QCOMPARE(units->record_by_key(QStringLiteral("hastati")), hastati);
-    QCOMPARE(units->record_by_key(QStringLiteral("triarii")), triarii);
+    QCOMPARE(units->record_by_key("hastati"), hastati);
+    QCOMPARE(units->record_by_key("triarii"), triarii);
     QCOMPARE(units->record_by_uuid(hastati->uuid()), hastati);
-    QCOMPARE(triarii->get_field_data(QStringLiteral("unit"))->value_text(), QStringLiteral("triarii"));
+    QCOMPARE(triarii->get_field_data("unit")->value_text(), "triarii");
     QCOMPARE(units->record_count(), 3);
 }
 
@@ -345,34 +291,25 @@ void TST_KOR_ENGINE_RECORDS::edit_finds_by_uuid_rekeys_and_cascades()
     build_army(db);
     KOR_XML_QUERY_INTERFACE& engine = db.query_interface();
     QString error;
-    const KOR_TABLE_DATA* factions = engine.get_table_data(error, QStringLiteral("factions"));
-    KOR_RECORD_DATA* rome = factions->record_by_key(QStringLiteral("rome"));
+    const KOR_TABLE_DATA* factions = engine.get_table_data(error, "factions");
+    KOR_RECORD_DATA* rome = factions->record_by_key("rome");
     // The old record as the application kept it: its key is stale by now.
     auto stale = changed(rome, {{"key", "somewhere"}});
     QVERIFY(
-        engine
-            .edit_record_data(QStringLiteral("factions"), stale.get(), changed(rome, {{"key", "roma"}}).get())
-            .isEmpty());
-    QCOMPARE(factions->record_by_key(QStringLiteral("roma")), rome);
-    QCOMPARE(value_of(engine, QStringLiteral("units"), QStringLiteral("hastati"), QStringLiteral("faction")),
-             QStringLiteral("roma"));
-    QCOMPARE(value_of(engine, QStringLiteral("units"), QStringLiteral("triarii"), QStringLiteral("faction")),
-             QStringLiteral("roma"));
-    QCOMPARE(
-        value_of(engine, QStringLiteral("units"), QStringLiteral("elephants"), QStringLiteral("faction")),
-        QStringLiteral("carthage"));
+        engine.edit_record_data("factions", stale.get(), changed(rome, {{"key", "roma"}}).get()).isEmpty());
+    QCOMPARE(factions->record_by_key("roma"), rome);
+    QCOMPARE(value_of(engine, "units", "hastati", "faction"), "roma");
+    QCOMPARE(value_of(engine, "units", "triarii", "faction"), "roma");
+    QCOMPARE(value_of(engine, "units", "elephants", "faction"), "carthage");
     db.reconnect();
-    QCOMPARE(value_of(engine, QStringLiteral("units"), QStringLiteral("triarii"), QStringLiteral("faction")),
-             QStringLiteral("roma"));
+    QCOMPARE(value_of(engine, "units", "triarii", "faction"), "roma");
 
     // A key that is taken refuses the edit and changes nothing.
-    rome = engine.get_table_data(error, QStringLiteral("factions"))->record_by_key(QStringLiteral("roma"));
-    error =
-        engine.edit_record_data(QStringLiteral("factions"), rome, changed(rome, {{"key", "carthage"}}).get());
-    QVERIFY(error.contains(QStringLiteral("carthage")));
-    QCOMPARE(value_of(engine, QStringLiteral("units"), QStringLiteral("hastati"), QStringLiteral("faction")),
-             QStringLiteral("roma"));
-    QCOMPARE(rome->key(), QStringLiteral("roma"));
+    rome = engine.get_table_data(error, "factions")->record_by_key("roma");
+    error = edit(engine, "factions", rome, {{"key", "carthage"}});
+    QVERIFY(error.contains("carthage"));
+    QCOMPARE(value_of(engine, "units", "hastati", "faction"), "roma");
+    QCOMPARE(rome->key(), "roma");
 }
 
 void TST_KOR_ENGINE_RECORDS::edits_of_one_record_apply_in_order()
@@ -381,22 +318,19 @@ void TST_KOR_ENGINE_RECORDS::edits_of_one_record_apply_in_order()
     build_army(db);
     KOR_XML_QUERY_INTERFACE& engine = db.query_interface();
     QString error;
-    KOR_RECORD_DATA* hastati =
-        engine.get_table_data(error, QStringLiteral("units"))->record_by_key(QStringLiteral("hastati"));
+    KOR_RECORD_DATA* hastati = engine.get_table_data(error, "units")->record_by_key("hastati");
     // Three snapshots as the table model sends them, each with the state of its moment.
     auto first = changed(hastati, {{"men", 70}});
     auto second = changed(first.get(), {{"unit", "principes"}});
     auto third = changed(second.get(), {{"men", 80}});
     QVERIFY(engine.begin_transaction(error, true));
-    QVERIFY(engine.edit_record_data(QStringLiteral("units"), hastati, first.get()).isEmpty());
-    QVERIFY(engine.edit_record_data(QStringLiteral("units"), hastati, second.get()).isEmpty());
-    QVERIFY(engine.edit_record_data(QStringLiteral("units"), hastati, third.get()).isEmpty());
+    QVERIFY(engine.edit_record_data("units", hastati, first.get()).isEmpty());
+    QVERIFY(engine.edit_record_data("units", hastati, second.get()).isEmpty());
+    QVERIFY(engine.edit_record_data("units", hastati, third.get()).isEmpty());
     QVERIFY2(engine.end_transaction(error), qPrintable(error));
     db.reconnect();
-    QCOMPARE(value_of(engine, QStringLiteral("units"), QStringLiteral("principes"), QStringLiteral("men")),
-             QStringLiteral("80"));
-    QCOMPARE(value_of(engine, QStringLiteral("units"), QStringLiteral("hastati"), QStringLiteral("men")),
-             QStringLiteral("<none>"));
+    QCOMPARE(value_of(engine, "units", "principes", "men"), "80");
+    QCOMPARE(value_of(engine, "units", "hastati", "men"), "<none>");
 }
 
 void TST_KOR_ENGINE_RECORDS::a_freed_key_is_reusable_in_the_same_transaction()
@@ -405,27 +339,19 @@ void TST_KOR_ENGINE_RECORDS::a_freed_key_is_reusable_in_the_same_transaction()
     build_army(db);
     KOR_XML_QUERY_INTERFACE& engine = db.query_interface();
     QString error;
-    const KOR_TABLE_DATA* units = engine.get_table_data(error, QStringLiteral("units"));
-    KOR_RECORD_DATA* hastati = units->record_by_key(QStringLiteral("hastati"));
-    KOR_RECORD_DATA* triarii = units->record_by_key(QStringLiteral("triarii"));
+    const KOR_TABLE_DATA* units = engine.get_table_data(error, "units");
+    KOR_RECORD_DATA* hastati = units->record_by_key("hastati");
+    KOR_RECORD_DATA* triarii = units->record_by_key("triarii");
     const QUuid triarii_uuid = triarii->uuid();
     QVERIFY(engine.begin_transaction(error, true));
-    QVERIFY(engine.remove_record(QStringLiteral("units"), *hastati).isEmpty());
-    QVERIFY(
-        engine
-            .edit_record_data(QStringLiteral("units"), triarii, changed(triarii, {{"unit", "hastati"}}).get())
-            .isEmpty());
-    QVERIFY(engine
-                .add_record(
-                    QStringLiteral("units"),
-                    TEST_DATABASE_BUILDER::make_record(units->table_schema(), {{"unit", "triarii"}}).get())
-                .isEmpty());
+    QVERIFY(engine.remove_record("units", *hastati).isEmpty());
+    QVERIFY(edit(engine, "units", triarii, {{"unit", "hastati"}}).isEmpty());
+    QVERIFY(add(engine, "units", {{"unit", "triarii"}}).isEmpty());
     QVERIFY2(engine.end_transaction(error), qPrintable(error));
     db.reconnect();
-    units = engine.get_table_data(error, QStringLiteral("units"));
-    QCOMPARE(units->record_by_key(QStringLiteral("hastati"))->uuid(), triarii_uuid);
-    QCOMPARE(value_of(engine, QStringLiteral("units"), QStringLiteral("triarii"), QStringLiteral("men")),
-             QStringLiteral("60"));
+    units = engine.get_table_data(error, "units");
+    QCOMPARE(units->record_by_key("hastati")->uuid(), triarii_uuid);
+    QCOMPARE(value_of(engine, "units", "triarii", "men"), "60");
 }
 
 void TST_KOR_ENGINE_RECORDS::next_autonumber_counts_the_open_transaction()
@@ -434,19 +360,14 @@ void TST_KOR_ENGINE_RECORDS::next_autonumber_counts_the_open_transaction()
     build_army(db);
     KOR_XML_QUERY_INTERFACE& engine = db.query_interface();
     QString error;
-    const KOR_TABLE_DATA* units = engine.get_table_data(error, QStringLiteral("units"));
-    QCOMPARE(units->next_autonumber(QStringLiteral("id")), 4);
+    const KOR_TABLE_DATA* units = engine.get_table_data(error, "units");
+    QCOMPARE(units->next_autonumber("id"), 4);
     QVERIFY(engine.begin_transaction(error, true));
-    QVERIFY(engine
-                .add_record(
-                    QStringLiteral("units"),
-                    TEST_DATABASE_BUILDER::make_record(units->table_schema(), {{"unit", "velites"}}).get())
-                .isEmpty());
-    QCOMPARE(value_of(engine, QStringLiteral("units"), QStringLiteral("velites"), QStringLiteral("id")),
-             QStringLiteral("4"));
-    QCOMPARE(units->next_autonumber(QStringLiteral("id")), 5);
+    QVERIFY(add(engine, "units", {{"unit", "velites"}}).isEmpty());
+    QCOMPARE(value_of(engine, "units", "velites", "id"), "4");
+    QCOMPARE(units->next_autonumber("id"), 5);
     engine.terminate_transaction();
-    QCOMPARE(units->next_autonumber(QStringLiteral("id")), 4);
+    QCOMPARE(units->next_autonumber("id"), 4);
 }
 
 void TST_KOR_ENGINE_RECORDS::unique_ids_never_repeat()
@@ -466,7 +387,7 @@ void TST_KOR_ENGINE_RECORDS::unique_ids_never_repeat()
     // A bound above every value handed out is kept on disk, so a restart
     // cannot repeat one.
     QFile state(QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation) +
-                QStringLiteral("/orbin/unique_id_state"));
+                "/orbin/unique_id_state");
     QVERIFY(state.open(QIODevice::ReadOnly));
     QVERIFY(state.readAll().toULongLong() >= previous);
 }
@@ -478,11 +399,11 @@ void TST_KOR_ENGINE_RECORDS::values_take_their_field_type_data()
     QTest::addColumn<QString>("stored");
     QTest::addColumn<bool>("accepted");
 
-    QTest::newRow("check box text") << "flag" << QVariant(QStringLiteral("true")) << "true" << true;
-    QTest::newRow("integer text") << "count" << QVariant(QStringLiteral("12")) << "12" << true;
+    QTest::newRow("check box text") << "flag" << QVariant("true") << "true" << true;
+    QTest::newRow("integer text") << "count" << QVariant("12") << "12" << true;
     QTest::newRow("whole double into integer") << "count" << QVariant(3.0) << "3" << true;
     QTest::newRow("fraction into integer") << "count" << QVariant(3.5) << "" << false;
-    QTest::newRow("word into integer") << "count" << QVariant(QStringLiteral("many")) << "" << false;
+    QTest::newRow("word into integer") << "count" << QVariant("many") << "" << false;
     QTest::newRow("number into text") << "label" << QVariant(7) << "7" << true;
     QTest::newRow("cleared integer") << "count" << QVariant() << "" << true;
     QTest::newRow("negative int into unsigned") << "amount" << QVariant(-4) << "" << false;
@@ -496,28 +417,24 @@ void TST_KOR_ENGINE_RECORDS::values_take_their_field_type()
     QFETCH(QString, stored);
     QFETCH(bool, accepted);
     TEST_DATABASE_BUILDER db(database_path());
-    db.table(QStringLiteral("things"),
-             {TEST_FIELD::key(QStringLiteral("key")), TEST_FIELD::plain(QStringLiteral("flag"), KFT_YESNO),
-              TEST_FIELD::plain(QStringLiteral("count"), KFT_INTEGER),
-              TEST_FIELD::plain(QStringLiteral("label"), KFT_TEXT),
-              TEST_FIELD::plain(QStringLiteral("amount"), KFT_UNSIGNED_INTEGER)})
-        .record(QStringLiteral("things"), {{"key", "a"}, {"count", 1}});
+    db.table("things", {TEST_FIELD::key("key"), TEST_FIELD::plain("flag", KFT_YESNO),
+                        TEST_FIELD::plain("count", KFT_INTEGER), TEST_FIELD::plain("label", KFT_TEXT),
+                        TEST_FIELD::plain("amount", KFT_UNSIGNED_INTEGER)})
+        .record("things", {{"key", "a"}, {"count", 1}});
     QVERIFY2(db.ok(), qPrintable(db.error()));
     KOR_XML_QUERY_INTERFACE& engine = db.query_interface();
     QString error;
-    KOR_RECORD_DATA* record =
-        engine.get_table_data(error, QStringLiteral("things"))->record_by_key(QStringLiteral("a"));
-    error =
-        engine.edit_record_data(QStringLiteral("things"), record, changed(record, {{field, value}}).get());
+    KOR_RECORD_DATA* record = engine.get_table_data(error, "things")->record_by_key("a");
+    error = edit(engine, "things", record, {{field, value}});
     QCOMPARE(error.isEmpty(), accepted);
     if (accepted)
     {
         db.reconnect();
-        QCOMPARE(value_of(engine, QStringLiteral("things"), QStringLiteral("a"), field), stored);
+        QCOMPARE(value_of(engine, "things", "a", field), stored);
     }
     else
     {
-        QCOMPARE(record->get_field_data(QStringLiteral("count"))->m_value.toInt(), 1);
+        QCOMPARE(record->get_field_data("count")->m_value.toInt(), 1);
     }
 }
 
@@ -530,24 +447,19 @@ void TST_KOR_ENGINE_RECORDS::errors_come_in_three_styles()
     QVERIFY(!error.isEmpty());
     // An error text that is empty on success.
     QVERIFY(!never_connected.disconnect().isEmpty());
-    QVERIFY(!never_connected.connect_without_merge(m_folder->filePath(QStringLiteral("nothing")), false)
-                 .isEmpty());
+    QVERIFY(!never_connected.connect_without_merge(m_folder->filePath("nothing"), false).isEmpty());
     // A plain answer.
     QVERIFY(!never_connected.is_connected());
-    QVERIFY(!never_connected.get_table_schema(QStringLiteral("units")));
+    QVERIFY(!never_connected.get_table_schema("units"));
 
     TEST_DATABASE_BUILDER db(database_path());
     build_army(db);
     KOR_XML_QUERY_INTERFACE& engine = db.query_interface();
-    QVERIFY(!engine.get_table_data(error, QStringLiteral("missing")));
-    QVERIFY(error.contains(QStringLiteral("missing")));
-    QVERIFY(!engine.get_table_schema(QStringLiteral("missing")));
-    const QString duplicate =
-        engine.add_record(QStringLiteral("factions"),
-                          TEST_DATABASE_BUILDER::make_record(
-                              engine.get_table_schema(QStringLiteral("factions")), {{"key", "rome"}})
-                              .get());
-    QVERIFY(duplicate.contains(QStringLiteral("rome")));
+    QVERIFY(!engine.get_table_data(error, "missing"));
+    QVERIFY(error.contains("missing"));
+    QVERIFY(!engine.get_table_schema("missing"));
+    const QString duplicate = add(engine, "factions", {{"key", "rome"}});
+    QVERIFY(duplicate.contains("rome"));
     QCOMPARE(engine.get_last_error(), duplicate);
     QVERIFY(!engine.connect_without_merge(database_path(), false).isEmpty());
     QVERIFY(engine.is_connected());
@@ -558,8 +470,8 @@ void TST_KOR_ENGINE_RECORDS::permissions_come_from_the_permissions_file()
     TEST_DATABASE_BUILDER db(database_path());
     build_army(db);
     KOR_XML_QUERY_INTERFACE& engine = db.query_interface();
-    QVERIFY(!engine.table_restricted(QStringLiteral("units")));
-    QVERIFY(engine.can_add_table_records(QStringLiteral("units")));
+    QVERIFY(!engine.table_restricted("units"));
+    QVERIFY(engine.can_add_table_records("units"));
     QFile file(database_path() + QStringLiteral("/Veld_permissions.xml"));
     QVERIFY(file.open(QIODevice::WriteOnly));
     file.write("<permissions>\n"
@@ -569,16 +481,13 @@ void TST_KOR_ENGINE_RECORDS::permissions_come_from_the_permissions_file()
                "</permissions>\n");
     file.close();
     db.reconnect();
-    QVERIFY(engine.table_restricted(QStringLiteral("units")));
-    QVERIFY(!engine.can_add_table_records(QStringLiteral("units")));
-    QVERIFY(engine.can_edit_table_records(QStringLiteral("units")));
-    QVERIFY(!engine.can_remove_table_records(QStringLiteral("units")));
-    QVERIFY(engine.can_add_table_records(QStringLiteral("factions")));
-    const QString refused = engine.add_record(
-        QStringLiteral("units"),
-        TEST_DATABASE_BUILDER::make_record(engine.get_table_schema(QStringLiteral("units")), {{"unit", "x"}})
-            .get());
-    QVERIFY(refused.contains(QStringLiteral("permission")));
+    QVERIFY(engine.table_restricted("units"));
+    QVERIFY(!engine.can_add_table_records("units"));
+    QVERIFY(engine.can_edit_table_records("units"));
+    QVERIFY(!engine.can_remove_table_records("units"));
+    QVERIFY(engine.can_add_table_records("factions"));
+    const QString refused = add(engine, "units", {{"unit", "x"}});
+    QVERIFY(refused.contains("permission"));
 }
 
 void TST_KOR_ENGINE_RECORDS::read_only_refuses_edits()
@@ -590,13 +499,8 @@ void TST_KOR_ENGINE_RECORDS::read_only_refuses_edits()
     QVERIFY(engine.is_read_only());
     QString error;
     QVERIFY(!engine.begin_transaction(error, true));
-    QVERIFY(!engine
-                 .add_record(QStringLiteral("factions"),
-                             TEST_DATABASE_BUILDER::make_record(
-                                 engine.get_table_schema(QStringLiteral("factions")), {{"key", "x"}})
-                                 .get())
-                 .isEmpty());
-    QVERIFY(engine.get_table_data(error, QStringLiteral("factions")));
+    QVERIFY(!add(engine, "factions", {{"key", "x"}}).isEmpty());
+    QVERIFY(engine.get_table_data(error, "factions"));
 }
 
 void TST_KOR_ENGINE_RECORDS::interfaces_on_one_path_do_not_overwrite_each_other()
@@ -608,24 +512,17 @@ void TST_KOR_ENGINE_RECORDS::interfaces_on_one_path_do_not_overwrite_each_other(
     KOR_XML_QUERY_INTERFACE second(nullptr, QString(), false, false);
     QVERIFY(second.connect_without_merge(database_path(), false).isEmpty());
     QString error;
-    const KOR_TABLE_DATA* mine = first.get_table_data(error, QStringLiteral("factions"));
-    const KOR_TABLE_DATA* theirs = second.get_table_data(error, QStringLiteral("factions"));
+    const KOR_TABLE_DATA* mine = first.get_table_data(error, "factions");
+    const KOR_TABLE_DATA* theirs = second.get_table_data(error, "factions");
     QVERIFY(mine != theirs);
     QTest::qWait(20); // file times must differ
-    QVERIFY(
-        second
-            .add_record(QStringLiteral("factions"),
-                        TEST_DATABASE_BUILDER::make_record(theirs->table_schema(), {{"key", "gauls"}}).get())
-            .isEmpty());
+    QVERIFY(add(second, "factions", {{"key", "gauls"}}).isEmpty());
     // The first interface read the file before that change: it may not overwrite it.
-    const QString refused =
-        first.add_record(QStringLiteral("factions"),
-                         TEST_DATABASE_BUILDER::make_record(mine->table_schema(), {{"key", "greeks"}}).get());
-    QVERIFY(refused.contains(QStringLiteral("changed by someone else")));
-    QVERIFY(!mine->record_by_key(QStringLiteral("greeks")));
+    const QString refused = add(first, "factions", {{"key", "greeks"}});
+    QVERIFY(refused.contains("changed by someone else"));
+    QVERIFY(!mine->record_by_key("greeks"));
     db.reconnect();
-    QCOMPARE(value_of(first, QStringLiteral("factions"), QStringLiteral("gauls"), QStringLiteral("key")),
-             QStringLiteral("gauls"));
+    QCOMPARE(value_of(first, "factions", "gauls", "key"), "gauls");
 }
 
 void TST_KOR_ENGINE_RECORDS::removal_by_key_within_a_transaction()
@@ -634,18 +531,14 @@ void TST_KOR_ENGINE_RECORDS::removal_by_key_within_a_transaction()
     build_army(db);
     KOR_XML_QUERY_INTERFACE& engine = db.query_interface();
     QString error;
-    const QUuid uuid = engine.get_table_data(error, QStringLiteral("units"))
-                           ->record_by_key(QStringLiteral("hastati"))
-                           ->uuid();
+    const QUuid uuid = engine.get_table_data(error, "units")->record_by_key("hastati")->uuid();
     QVERIFY(engine.begin_transaction(error, true));
-    QCOMPARE(engine.remove_record_within_transaction(QStringLiteral("units"), QStringLiteral("hastati")),
-             uuid);
-    QVERIFY(
-        engine.remove_record_within_transaction(QStringLiteral("units"), QStringLiteral("hastati")).isNull());
-    QVERIFY(!engine.key_exists_within_transaction(QStringLiteral("units"), QStringLiteral("hastati")));
+    QCOMPARE(engine.remove_record_within_transaction("units", "hastati"), uuid);
+    QVERIFY(engine.remove_record_within_transaction("units", "hastati").isNull());
+    QVERIFY(!engine.key_exists_within_transaction("units", "hastati"));
     QVERIFY(engine.end_transaction(error));
     db.reconnect();
-    QVERIFY(!engine.key_exists_within_transaction(QStringLiteral("units"), QStringLiteral("hastati")));
+    QVERIFY(!engine.key_exists_within_transaction("units", "hastati"));
 }
 
 QTEST_GUILESS_MAIN(TST_KOR_ENGINE_RECORDS)

@@ -11,6 +11,7 @@
 #include "kor_xml_query_interface.h"
 #include "metafield_and_schema.h"
 #include "test_database_builder.h"
+#include "test_helpers.h"
 #include "update_command_item.h"
 #include "update_command_items.h"
 
@@ -18,11 +19,7 @@
 
 namespace
 {
-QByteArray file_bytes(const QString& path)
-{
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-}
+const auto value_of = &TEST_DATABASE_BUILDER::value_text;
 
 QMap<QString, QByteArray> folder_bytes(const QString& folder)
 {
@@ -31,33 +28,21 @@ QMap<QString, QByteArray> folder_bytes(const QString& folder)
     while (it.hasNext())
     {
         const QString path = it.next();
-        result.insert(QDir(folder).relativeFilePath(path), file_bytes(path));
+        result.insert(QDir(folder).relativeFilePath(path), ORBIN_TEST::read_file(path));
     }
     return result;
 }
 
-QString value_of(KOR_XML_QUERY_INTERFACE& db, const QString& table, const QString& key, const QString& field)
-{
-    QString error;
-    const KOR_TABLE_DATA* data = db.get_table_data(error, table);
-    const KOR_RECORD_DATA* record = data ? data->record_by_key(key) : nullptr;
-    const KOR_FIELD_DATA* value = record ? record->get_field_data(field) : nullptr;
-    return value ? value->value_text() : QStringLiteral("<none>");
-}
-
 void build_army(TEST_DATABASE_BUILDER& db)
 {
-    db.table(QStringLiteral("factions"),
-             {TEST_FIELD::key(QStringLiteral("key")), TEST_FIELD::plain(QStringLiteral("name"), KFT_TEXT)})
-        .table(QStringLiteral("units"), {TEST_FIELD::key(QStringLiteral("unit")),
-                                         TEST_FIELD::plain(QStringLiteral("faction"), KFT_TEXT)
-                                             .refers_to(QStringLiteral("factions"), QStringLiteral("key"),
-                                                        {QStringLiteral("key"), QStringLiteral("name")}),
-                                         TEST_FIELD::plain(QStringLiteral("men"), KFT_TEXT)})
-        .record(QStringLiteral("factions"), {{"key", "rome"}, {"name", "Rome"}})
-        .record(QStringLiteral("factions"), {{"key", "carthage"}, {"name", "Carthage"}})
-        .record(QStringLiteral("units"), {{"unit", "hastati"}, {"faction", "rome"}, {"men", "60"}})
-        .record(QStringLiteral("units"), {{"unit", "elephants"}, {"faction", "carthage"}, {"men", "12"}});
+    db.table("factions", {TEST_FIELD::key("key"), TEST_FIELD::plain("name", KFT_TEXT)})
+        .table("units", {TEST_FIELD::key("unit"),
+                         TEST_FIELD::plain("faction", KFT_TEXT).refers_to("factions", "key", {"key", "name"}),
+                         TEST_FIELD::plain("men", KFT_TEXT)})
+        .record("factions", {{"key", "rome"}, {"name", "Rome"}})
+        .record("factions", {{"key", "carthage"}, {"name", "Carthage"}})
+        .record("units", {{"unit", "hastati"}, {"faction", "rome"}, {"men", "60"}})
+        .record("units", {{"unit", "elephants"}, {"faction", "carthage"}, {"men", "12"}});
 }
 
 typedef QMap<METAFIELD_AND_SCHEMA, QVariant> CHANGES;
@@ -88,10 +73,7 @@ private slots:
 
 private:
     std::unique_ptr<QTemporaryDir> m_folder;
-    QString database_path(const QString& name = QStringLiteral("db")) const
-    {
-        return m_folder->filePath(name);
-    }
+    QString database_path(const QString& name = "db") const { return m_folder->filePath(name); }
 };
 
 void TST_KOR_ENGINE_SCHEMA::init()
@@ -103,27 +85,24 @@ void TST_KOR_ENGINE_SCHEMA::init()
 void TST_KOR_ENGINE_SCHEMA::add_table_writes_its_files_and_a_command()
 {
     TEST_DATABASE_BUILDER db(database_path());
-    db.table(QStringLiteral("factions"), {TEST_FIELD::key(QStringLiteral("key"))});
+    db.table("factions", {TEST_FIELD::key("key")});
     QVERIFY2(db.ok(), qPrintable(db.error()));
     QVERIFY(QFile::exists(database_path() + QStringLiteral("/Veld_schemas/factions.xml")));
     QVERIFY(QFile::exists(database_path() + QStringLiteral("/factions.xml")));
     UPDATE_COMMAND_ITEMS items;
-    QVERIFY(items.parse_commands_file_for_schema_changes(database_path() +
-                                                         QStringLiteral("/update_commands.txt")));
+    QVERIFY(items.parse_commands_file_for_schema_changes(database_path() + "/update_commands.txt"));
     QCOMPARE(items.command_count(), 1);
     QCOMPARE(items.item_at(0)->command_type, int(UPDATE_COMMAND_ITEM::UCT_ADD_TABLE));
-    QCOMPARE(items.item_at(0)->table_name(), QStringLiteral("factions"));
-    QCOMPARE(items.item_at(0)->edit_user(), QStringLiteral("tester"));
+    QCOMPARE(items.item_at(0)->table_name(), "factions");
+    QCOMPARE(items.item_at(0)->edit_user(), "tester");
     QVERIFY(items.item_at(0)->table_schema());
-    QCOMPARE(items.item_at(0)->table_schema()->primary_key_fields(), QList<QString>{QStringLiteral("key")});
+    QCOMPARE(items.item_at(0)->table_schema()->primary_key_fields(), QList<QString>{"key"});
     QVERIFY(!items.item_at(1));
 
     // Adding the same name again, in any case, is refused.
     const QString again = db.query_interface().add_table(
-        *TEST_DATABASE_BUILDER::make_schema(QStringLiteral("FACTIONS"),
-                                            {TEST_FIELD::key(QStringLiteral("key"))}),
-        "", "");
-    QVERIFY(again.contains(QStringLiteral("already exists")));
+        *TEST_DATABASE_BUILDER::make_schema("FACTIONS", {TEST_FIELD::key("key")}), "", "");
+    QVERIFY(again.contains("already exists"));
 }
 
 void TST_KOR_ENGINE_SCHEMA::names_that_could_leave_the_folder_are_refused_data()
@@ -155,7 +134,7 @@ void TST_KOR_ENGINE_SCHEMA::names_that_could_leave_the_folder_are_refused()
     QFETCH(QString, field);
     TEST_DATABASE_BUILDER db(database_path());
     KOR_TABLE_SCHEMA schema(table);
-    KOR_FIELD_SCHEMA* key = TEST_FIELD::key(QStringLiteral("key")).make();
+    KOR_FIELD_SCHEMA* key = TEST_FIELD::key("key").make();
     key->initialise(true, field, KFT_TEXT, true, QVariant(), 10, false, "", "", "", false, false, false);
     schema.add_field_schema(key);
     const QString error = db.query_interface().add_table(schema, "", "");
@@ -188,25 +167,22 @@ void TST_KOR_ENGINE_SCHEMA::new_required_fields_are_filled()
     build_army(db);
     QVERIFY2(db.ok(), qPrintable(db.error()));
     KOR_XML_QUERY_INTERFACE& engine = db.query_interface();
-    TEST_FIELD description = TEST_FIELD::plain(QStringLiteral("added"), KOR_FIELD_TYPE(type)).required();
+    TEST_FIELD description = TEST_FIELD::plain("added", KOR_FIELD_TYPE(type)).required();
     description.with_default(default_value);
     if (foreign)
-        description.refers_to(QStringLiteral("factions"), QStringLiteral("key"));
+        description.refers_to("factions", "key");
     std::unique_ptr<KOR_FIELD_SCHEMA> field(description.make());
     QString error;
-    QVERIFY2(engine.change_schema(error, engine.get_table_schema(QStringLiteral("units")), QString(),
-                                  {field.get()}, {}, {}, QStringLiteral("tester"), QStringLiteral("more")),
+    QVERIFY2(engine.change_schema(error, engine.get_table_schema("units"), QString(), {field.get()}, {}, {},
+                                  "tester", "more"),
              qPrintable(error));
     db.reconnect();
-    QCOMPARE(value_of(engine, QStringLiteral("units"), QStringLiteral("elephants"), QStringLiteral("added")),
-             values.at(0));
-    QCOMPARE(value_of(engine, QStringLiteral("units"), QStringLiteral("hastati"), QStringLiteral("added")),
-             values.at(1));
+    QCOMPARE(value_of(engine, "units", "elephants", "added"), values.at(0));
+    QCOMPARE(value_of(engine, "units", "hastati", "added"), values.at(1));
     if (foreign)
     {
-        const KOR_FIELD_SCHEMA* key =
-            engine.get_table_schema(QStringLiteral("factions"))->field_schema_by_name(QStringLiteral("key"));
-        QVERIFY(key->dependents().contains(qMakePair(QStringLiteral("units"), QStringLiteral("added"))));
+        const KOR_FIELD_SCHEMA* key = engine.get_table_schema("factions")->field_schema_by_name("key");
+        QVERIFY(key->dependents().contains(qMakePair(QString("units"), QString("added"))));
     }
 }
 
@@ -214,26 +190,21 @@ void TST_KOR_ENGINE_SCHEMA::a_required_field_without_a_value_changes_nothing()
 {
     TEST_DATABASE_BUILDER db(database_path());
     build_army(db);
-    db.table(QStringLiteral("empty"), {TEST_FIELD::key(QStringLiteral("key"))});
+    db.table("empty", {TEST_FIELD::key("key")});
     QVERIFY2(db.ok(), qPrintable(db.error()));
     const QMap<QString, QByteArray> before = folder_bytes(database_path());
     KOR_XML_QUERY_INTERFACE& engine = db.query_interface();
-    const KOR_TABLE_SCHEMA* units = engine.get_table_schema(QStringLiteral("units"));
+    const KOR_TABLE_SCHEMA* units = engine.get_table_schema("units");
     QString error;
-    std::unique_ptr<KOR_FIELD_SCHEMA> plain(
-        TEST_FIELD::plain(QStringLiteral("plain"), KFT_TEXT).required().make());
+    std::unique_ptr<KOR_FIELD_SCHEMA> plain(TEST_FIELD::plain("plain", KFT_TEXT).required().make());
     QVERIFY(!engine.change_schema(error, units, QString(), {plain.get()}, {}, {}, "", ""));
-    QVERIFY(error.contains(QStringLiteral("doesn't have a valid default value")));
-    std::unique_ptr<KOR_FIELD_SCHEMA> empty_foreign(TEST_FIELD::plain(QStringLiteral("other"), KFT_TEXT)
-                                                        .required()
-                                                        .refers_to(QStringLiteral("empty"), "key")
-                                                        .make());
+    QVERIFY(error.contains("doesn't have a valid default value"));
+    std::unique_ptr<KOR_FIELD_SCHEMA> empty_foreign(
+        TEST_FIELD::plain("other", KFT_TEXT).required().refers_to("empty", "key").make());
     QVERIFY(!engine.change_schema(error, units, QString(), {empty_foreign.get()}, {}, {}, "", ""));
-    QVERIFY(error.contains(QStringLiteral("empty")));
+    QVERIFY(error.contains("empty"));
     QCOMPARE(units->field_count(), 3);
-    QVERIFY(!engine.get_table_data(error, QStringLiteral("units"))
-                 ->record_by_key(QStringLiteral("hastati"))
-                 ->get_field_data(QStringLiteral("plain")));
+    QVERIFY(!engine.get_table_data(error, "units")->record_by_key("hastati")->get_field_data("plain"));
     QCOMPARE(folder_bytes(database_path()), before);
 }
 
@@ -243,33 +214,29 @@ void TST_KOR_ENGINE_SCHEMA::surviving_fields_and_records_stay_the_same_objects()
     build_army(db);
     KOR_XML_QUERY_INTERFACE& engine = db.query_interface();
     QString error;
-    KOR_TABLE_SCHEMA* units = engine.get_table_schema(QStringLiteral("units"));
-    KOR_FIELD_SCHEMA* men = units->field_schema_by_name(QStringLiteral("men"));
-    KOR_FIELD_SCHEMA* faction = units->field_schema_by_name(QStringLiteral("faction"));
-    const KOR_TABLE_DATA* data = engine.get_table_data(error, QStringLiteral("units"));
-    KOR_RECORD_DATA* hastati = data->record_by_key(QStringLiteral("hastati"));
-    KOR_FIELD_DATA* hastati_men = hastati->get_field_data(QStringLiteral("men"));
+    KOR_TABLE_SCHEMA* units = engine.get_table_schema("units");
+    KOR_FIELD_SCHEMA* men = units->field_schema_by_name("men");
+    KOR_FIELD_SCHEMA* faction = units->field_schema_by_name("faction");
+    const KOR_TABLE_DATA* data = engine.get_table_data(error, "units");
+    KOR_RECORD_DATA* hastati = data->record_by_key("hastati");
+    KOR_FIELD_DATA* hastati_men = hastati->get_field_data("men");
 
     CHANGES changes;
-    changes.insert(METAFIELD_AND_SCHEMA(KMF_DESCRIPTION, men), QStringLiteral("Soldiers"));
-    std::unique_ptr<KOR_FIELD_SCHEMA> added(TEST_FIELD::plain(QStringLiteral("cost"), KFT_INTEGER).make());
-    QVERIFY2(engine.change_schema(error, units, QString(), {added.get()}, {QStringLiteral("faction")},
-                                  changes, "", ""),
+    changes.insert(METAFIELD_AND_SCHEMA(KMF_DESCRIPTION, men), "Soldiers");
+    std::unique_ptr<KOR_FIELD_SCHEMA> added(TEST_FIELD::plain("cost", KFT_INTEGER).make());
+    QVERIFY2(engine.change_schema(error, units, QString(), {added.get()}, {"faction"}, changes, "", ""),
              qPrintable(error));
-    QCOMPARE(engine.get_table_schema(QStringLiteral("units")), units);
-    QCOMPARE(units->field_schema_by_name(QStringLiteral("men")), men);
-    QCOMPARE(men->description(), QStringLiteral("Soldiers"));
-    QVERIFY(!units->field_schema_by_name(QStringLiteral("faction")));
-    QVERIFY(units->field_schema_by_name(QStringLiteral("cost")) != added.get());
-    QCOMPARE(data->record_by_key(QStringLiteral("hastati")), hastati);
-    QCOMPARE(hastati->get_field_data(QStringLiteral("men")), hastati_men);
-    QVERIFY(!hastati->get_field_data(QStringLiteral("faction")));
-    QVERIFY(hastati->get_field_data(QStringLiteral("cost")));
+    QCOMPARE(engine.get_table_schema("units"), units);
+    QCOMPARE(units->field_schema_by_name("men"), men);
+    QCOMPARE(men->description(), "Soldiers");
+    QVERIFY(!units->field_schema_by_name("faction"));
+    QVERIFY(units->field_schema_by_name("cost") != added.get());
+    QCOMPARE(data->record_by_key("hastati"), hastati);
+    QCOMPARE(hastati->get_field_data("men"), hastati_men);
+    QVERIFY(!hastati->get_field_data("faction"));
+    QVERIFY(hastati->get_field_data("cost"));
     // The removed field is no longer anyone's dependent.
-    QVERIFY(engine.get_table_schema(QStringLiteral("factions"))
-                ->field_schema_by_name(QStringLiteral("key"))
-                ->dependents()
-                .isEmpty());
+    QVERIFY(engine.get_table_schema("factions")->field_schema_by_name("key")->dependents().isEmpty());
     Q_UNUSED(faction);
 }
 
@@ -278,26 +245,20 @@ void TST_KOR_ENGINE_SCHEMA::a_rename_reaches_records_and_referring_tables()
     TEST_DATABASE_BUILDER db(database_path());
     build_army(db);
     KOR_XML_QUERY_INTERFACE& engine = db.query_interface();
-    KOR_TABLE_SCHEMA* factions = engine.get_table_schema(QStringLiteral("factions"));
+    KOR_TABLE_SCHEMA* factions = engine.get_table_schema("factions");
     CHANGES changes;
-    changes.insert(
-        METAFIELD_AND_SCHEMA(KMF_FIELD_NAME, factions->field_schema_by_name(QStringLiteral("name"))),
-        QStringLiteral("title"));
-    changes.insert(
-        METAFIELD_AND_SCHEMA(KMF_FIELD_NAME, factions->field_schema_by_name(QStringLiteral("key"))),
-        QStringLiteral("code"));
+    changes.insert(METAFIELD_AND_SCHEMA(KMF_FIELD_NAME, factions->field_schema_by_name("name")), "title");
+    changes.insert(METAFIELD_AND_SCHEMA(KMF_FIELD_NAME, factions->field_schema_by_name("key")), "code");
     QString error;
     QVERIFY2(engine.change_schema(error, factions, QString(), {}, {}, changes, "", ""), qPrintable(error));
     db.reconnect();
-    QCOMPARE(value_of(engine, QStringLiteral("factions"), QStringLiteral("rome"), QStringLiteral("title")),
-             QStringLiteral("Rome"));
-    const KOR_FIELD_SCHEMA* faction =
-        engine.get_table_schema(QStringLiteral("units"))->field_schema_by_name(QStringLiteral("faction"));
-    QCOMPARE(*faction->dependency(), qMakePair(QStringLiteral("factions"), QStringLiteral("code")));
-    QCOMPARE(faction->lookup_fields(), QStringList({QStringLiteral("code"), QStringLiteral("title")}));
+    QCOMPARE(value_of(engine, "factions", "rome", "title"), "Rome");
+    const KOR_FIELD_SCHEMA* faction = engine.get_table_schema("units")->field_schema_by_name("faction");
+    QCOMPARE(*faction->dependency(), qMakePair(QString("factions"), QString("code")));
+    QCOMPARE(faction->lookup_fields(), QStringList({"code", "title"}));
     QString text;
-    QVERIFY(engine.get_field_lookup_value(error, text, faction, QStringLiteral("rome")));
-    QCOMPARE(text, QStringLiteral("rome:Rome"));
+    QVERIFY(engine.get_field_lookup_value(error, text, faction, "rome"));
+    QCOMPARE(text, "rome:Rome");
 }
 
 void TST_KOR_ENGINE_SCHEMA::type_changes_convert_values_or_change_nothing()
@@ -305,25 +266,22 @@ void TST_KOR_ENGINE_SCHEMA::type_changes_convert_values_or_change_nothing()
     TEST_DATABASE_BUILDER db(database_path());
     build_army(db);
     KOR_XML_QUERY_INTERFACE& engine = db.query_interface();
-    KOR_TABLE_SCHEMA* units = engine.get_table_schema(QStringLiteral("units"));
+    KOR_TABLE_SCHEMA* units = engine.get_table_schema("units");
     QString error;
     CHANGES to_integer;
-    to_integer.insert(
-        METAFIELD_AND_SCHEMA(KMF_FIELD_TYPE, units->field_schema_by_name(QStringLiteral("men"))),
-        int(KFT_INTEGER));
+    to_integer.insert(METAFIELD_AND_SCHEMA(KMF_FIELD_TYPE, units->field_schema_by_name("men")),
+                      int(KFT_INTEGER));
     QVERIFY2(engine.change_schema(error, units, QString(), {}, {}, to_integer, "", ""), qPrintable(error));
-    const KOR_FIELD_DATA* men = engine.get_table_data(error, QStringLiteral("units"))
-                                    ->record_by_key(QStringLiteral("hastati"))
-                                    ->get_field_data(QStringLiteral("men"));
+    const KOR_FIELD_DATA* men =
+        engine.get_table_data(error, "units")->record_by_key("hastati")->get_field_data("men");
     QCOMPARE(int(men->m_value.type()), int(QMetaType::Int));
 
     const QMap<QString, QByteArray> before = folder_bytes(database_path());
     CHANGES to_yesno;
-    to_yesno.insert(METAFIELD_AND_SCHEMA(KMF_FIELD_TYPE, units->field_schema_by_name(QStringLiteral("men"))),
-                    int(KFT_YESNO));
+    to_yesno.insert(METAFIELD_AND_SCHEMA(KMF_FIELD_TYPE, units->field_schema_by_name("men")), int(KFT_YESNO));
     QVERIFY(!engine.change_schema(error, units, QString(), {}, {}, to_yesno, "", ""));
-    QVERIFY(error.contains(QStringLiteral("60")) || error.contains(QStringLiteral("12")));
-    QCOMPARE(int(units->field_schema_by_name(QStringLiteral("men"))->field_type()), int(KFT_INTEGER));
+    QVERIFY(error.contains("60") || error.contains("12"));
+    QCOMPARE(int(units->field_schema_by_name("men")->field_type()), int(KFT_INTEGER));
     QCOMPARE(men->m_value.toInt(), 60);
     QCOMPARE(folder_bytes(database_path()), before);
 }
@@ -332,32 +290,25 @@ void TST_KOR_ENGINE_SCHEMA::key_changes_rekey_records_or_change_nothing()
 {
     TEST_DATABASE_BUILDER db(database_path());
     build_army(db);
-    db.record(QStringLiteral("units"), {{"unit", "triarii"}, {"faction", "rome"}, {"men", "60"}});
+    db.record("units", {{"unit", "triarii"}, {"faction", "rome"}, {"men", "60"}});
     KOR_XML_QUERY_INTERFACE& engine = db.query_interface();
-    KOR_TABLE_SCHEMA* units = engine.get_table_schema(QStringLiteral("units"));
+    KOR_TABLE_SCHEMA* units = engine.get_table_schema("units");
     QString error;
     CHANGES composite;
-    composite.insert(
-        METAFIELD_AND_SCHEMA(KMF_PRIMARY_KEY, units->field_schema_by_name(QStringLiteral("faction"))), true);
+    composite.insert(METAFIELD_AND_SCHEMA(KMF_PRIMARY_KEY, units->field_schema_by_name("faction")), true);
     QVERIFY2(engine.change_schema(error, units, QString(), {}, {}, composite, "", ""), qPrintable(error));
-    const KOR_TABLE_DATA* data = engine.get_table_data(error, QStringLiteral("units"));
-    QCOMPARE(data->records().keys(),
-             QList<QString>({QStringLiteral("elephantscarthage"), QStringLiteral("hastatirome"),
-                             QStringLiteral("triariirome")}));
+    const KOR_TABLE_DATA* data = engine.get_table_data(error, "units");
+    QCOMPARE(data->records().keys(), QList<QString>({"elephantscarthage", "hastatirome", "triariirome"}));
 
     // Keying by "men" alone would give two records the key "60".
     CHANGES clash;
-    clash.insert(METAFIELD_AND_SCHEMA(KMF_PRIMARY_KEY, units->field_schema_by_name(QStringLiteral("unit"))),
-                 false);
-    clash.insert(
-        METAFIELD_AND_SCHEMA(KMF_PRIMARY_KEY, units->field_schema_by_name(QStringLiteral("faction"))), false);
-    clash.insert(METAFIELD_AND_SCHEMA(KMF_PRIMARY_KEY, units->field_schema_by_name(QStringLiteral("men"))),
-                 true);
+    clash.insert(METAFIELD_AND_SCHEMA(KMF_PRIMARY_KEY, units->field_schema_by_name("unit")), false);
+    clash.insert(METAFIELD_AND_SCHEMA(KMF_PRIMARY_KEY, units->field_schema_by_name("faction")), false);
+    clash.insert(METAFIELD_AND_SCHEMA(KMF_PRIMARY_KEY, units->field_schema_by_name("men")), true);
     QVERIFY(!engine.change_schema(error, units, QString(), {}, {}, clash, "", ""));
-    QVERIFY(error.contains(QStringLiteral("60")));
-    QCOMPARE(units->primary_key_fields(),
-             QList<QString>({QStringLiteral("unit"), QStringLiteral("faction")}));
-    QVERIFY(data->record_by_key(QStringLiteral("hastatirome")));
+    QVERIFY(error.contains("60"));
+    QCOMPARE(units->primary_key_fields(), QList<QString>({"unit", "faction"}));
+    QVERIFY(data->record_by_key("hastatirome"));
 }
 
 void TST_KOR_ENGINE_SCHEMA::fields_and_tables_others_refer_to_cannot_be_removed()
@@ -366,19 +317,15 @@ void TST_KOR_ENGINE_SCHEMA::fields_and_tables_others_refer_to_cannot_be_removed(
     build_army(db);
     KOR_XML_QUERY_INTERFACE& engine = db.query_interface();
     QString error;
-    QVERIFY(!engine.change_schema(error, engine.get_table_schema(QStringLiteral("factions")), QString(), {},
-                                  {QStringLiteral("key")}, {}, "", ""));
-    QVERIFY(error.contains(QStringLiteral("units.faction")));
-    QVERIFY(!engine.change_schema(error, engine.get_table_schema(QStringLiteral("factions")), QString(), {},
-                                  {QStringLiteral("name")}, {}, "", ""));
-    error = engine.remove_table(QStringLiteral("factions"), "", "");
-    QVERIFY(error.contains(
-        QStringLiteral("Cannot remove the 'factions' table because other tables depend upon it")));
-    QVERIFY(error.contains(QStringLiteral("Table key (units), Dependent Field (faction)")));
-    QCOMPARE(engine.get_table_schema(QStringLiteral("factions"))
-                 ->dependent_fields()
-                 .value(QStringLiteral("units")),
-             QStringList{QStringLiteral("faction")});
+    QVERIFY(!engine.change_schema(error, engine.get_table_schema("factions"), QString(), {}, {"key"}, {}, "",
+                                  ""));
+    QVERIFY(error.contains("units.faction"));
+    QVERIFY(!engine.change_schema(error, engine.get_table_schema("factions"), QString(), {}, {"name"}, {}, "",
+                                  ""));
+    error = engine.remove_table("factions", "", "");
+    QVERIFY(error.contains("Cannot remove the 'factions' table because other tables depend upon it"));
+    QVERIFY(error.contains("Table key (units), Dependent Field (faction)"));
+    QCOMPARE(engine.get_table_schema("factions")->dependent_fields().value("units"), QStringList{"faction"});
 }
 
 void TST_KOR_ENGINE_SCHEMA::removing_a_table_joins_the_transaction()
@@ -387,33 +334,27 @@ void TST_KOR_ENGINE_SCHEMA::removing_a_table_joins_the_transaction()
     build_army(db);
     KOR_XML_QUERY_INTERFACE& engine = db.query_interface();
     QString error;
-    const KOR_TABLE_SCHEMA* units = engine.get_table_schema(QStringLiteral("units"));
+    const KOR_TABLE_SCHEMA* units = engine.get_table_schema("units");
     QVERIFY(engine.begin_transaction(error, true));
-    QVERIFY(engine.remove_table(QStringLiteral("units"), QStringLiteral("tester"), QStringLiteral("gone"))
-                .isEmpty());
-    QVERIFY(!engine.get_table_schema(QStringLiteral("units")));
+    QVERIFY(engine.remove_table("units", "tester", "gone").isEmpty());
+    QVERIFY(!engine.get_table_schema("units"));
     QVERIFY(QFile::exists(database_path() + QStringLiteral("/units.xml")));
     engine.terminate_transaction();
-    QCOMPARE(engine.get_table_schema(QStringLiteral("units")), units);
-    QVERIFY(engine.get_table_data(error, QStringLiteral("units")));
+    QCOMPARE(engine.get_table_schema("units"), units);
+    QVERIFY(engine.get_table_data(error, "units"));
 
     QVERIFY(engine.begin_transaction(error, true));
-    QVERIFY(engine.remove_table(QStringLiteral("units"), QStringLiteral("tester"), QStringLiteral("gone"))
-                .isEmpty());
+    QVERIFY(engine.remove_table("units", "tester", "gone").isEmpty());
     QVERIFY2(engine.end_transaction(error), qPrintable(error));
     QVERIFY(!QFile::exists(database_path() + QStringLiteral("/units.xml")));
     QVERIFY(!QFile::exists(database_path() + QStringLiteral("/Veld_schemas/units.xml")));
-    QVERIFY(engine.get_table_schema(QStringLiteral("factions"))
-                ->field_schema_by_name(QStringLiteral("key"))
-                ->dependents()
-                .isEmpty());
+    QVERIFY(engine.get_table_schema("factions")->field_schema_by_name("key")->dependents().isEmpty());
     UPDATE_COMMAND_ITEMS items;
-    QVERIFY(items.parse_commands_file_for_schema_changes(database_path() +
-                                                         QStringLiteral("/update_commands.txt")));
+    QVERIFY(items.parse_commands_file_for_schema_changes(database_path() + "/update_commands.txt"));
     const UPDATE_COMMAND_ITEM* last = items.item_at(items.command_count() - 1);
     QCOMPARE(last->command_type, int(UPDATE_COMMAND_ITEM::UCT_REMOVE_TABLE));
-    QCOMPARE(last->table_name(), QStringLiteral("units"));
-    QCOMPARE(last->edit_description(), QStringLiteral("gone"));
+    QCOMPARE(last->table_name(), "units");
+    QCOMPARE(last->edit_description(), "gone");
 }
 
 void TST_KOR_ENGINE_SCHEMA::field_descriptions_change_inside_a_transaction()
@@ -421,79 +362,63 @@ void TST_KOR_ENGINE_SCHEMA::field_descriptions_change_inside_a_transaction()
     TEST_DATABASE_BUILDER db(database_path());
     build_army(db);
     KOR_XML_QUERY_INTERFACE& engine = db.query_interface();
-    const KOR_FIELD_SCHEMA* men =
-        engine.get_table_schema(QStringLiteral("units"))->field_schema_by_name(QStringLiteral("men"));
+    const KOR_FIELD_SCHEMA* men = engine.get_table_schema("units")->field_schema_by_name("men");
     const QUuid men_uuid = men->field_unique_id();
     QString error;
     QVERIFY(engine.begin_transaction(error, true));
-    QVERIFY(engine
-                .set_field_description(QStringLiteral("units"), QStringLiteral("men"), men->field_unique_id(),
-                                       QStringLiteral("How many"))
-                .isEmpty());
-    QCOMPARE(men->description(), QStringLiteral("How many"));
+    QVERIFY(engine.set_field_description("units", "men", men->field_unique_id(), "How many").isEmpty());
+    QCOMPARE(men->description(), "How many");
     engine.terminate_transaction();
     QVERIFY(men->description().isEmpty());
-    QVERIFY(engine
-                .set_field_description(QStringLiteral("units"), QStringLiteral("ignored"),
-                                       men->field_unique_id(), QStringLiteral("How many"))
-                .isEmpty());
+    QVERIFY(engine.set_field_description("units", "ignored", men->field_unique_id(), "How many").isEmpty());
     db.reconnect();
-    QCOMPARE(engine.get_table_schema(QStringLiteral("units"))
-                 ->field_schema_by_name(QStringLiteral("men"))
-                 ->description(),
-             QStringLiteral("How many"));
+    QCOMPARE(engine.get_table_schema("units")->field_schema_by_name("men")->description(), "How many");
     UPDATE_COMMAND_ITEMS items;
-    QVERIFY(items.parse_commands_file_for_schema_changes(database_path() +
-                                                         QStringLiteral("/update_commands.txt")));
+    QVERIFY(items.parse_commands_file_for_schema_changes(database_path() + "/update_commands.txt"));
     const UPDATE_COMMAND_ITEM* last = items.item_at(items.command_count() - 1);
     QCOMPARE(last->command_type, int(UPDATE_COMMAND_ITEM::UCT_CHANGE_FIELD));
     QCOMPARE(last->metafield(), KMF_DESCRIPTION);
-    QCOMPARE(last->new_value().toString(), QStringLiteral("How many"));
+    QCOMPARE(last->new_value().toString(), "How many");
     QCOMPARE(last->field_uuid(), men_uuid);
 }
 
 void TST_KOR_ENGINE_SCHEMA::update_commands_rebuild_the_schemas_elsewhere()
 {
-    TEST_DATABASE_BUILDER source(database_path(QStringLiteral("source")));
+    TEST_DATABASE_BUILDER source(database_path("source"));
     build_army(source);
     KOR_XML_QUERY_INTERFACE& engine = source.query_interface();
-    KOR_TABLE_SCHEMA* units = engine.get_table_schema(QStringLiteral("units"));
+    KOR_TABLE_SCHEMA* units = engine.get_table_schema("units");
     QString error;
     // Every kind of command once.
-    std::unique_ptr<KOR_FIELD_SCHEMA> cost(
-        TEST_FIELD::plain(QStringLiteral("cost"), KFT_INTEGER).with_default(5).make());
+    std::unique_ptr<KOR_FIELD_SCHEMA> cost(TEST_FIELD::plain("cost", KFT_INTEGER).with_default(5).make());
     CHANGES changes;
-    changes.insert(METAFIELD_AND_SCHEMA(KMF_FIELD_TYPE, units->field_schema_by_name(QStringLiteral("men"))),
+    changes.insert(METAFIELD_AND_SCHEMA(KMF_FIELD_TYPE, units->field_schema_by_name("men")),
                    int(KFT_INTEGER));
-    changes.insert(METAFIELD_AND_SCHEMA(KMF_FIELD_NAME, units->field_schema_by_name(QStringLiteral("men"))),
-                   QStringLiteral("soldiers"));
-    QVERIFY2(engine.change_schema(error, units, QStringLiteral("unit->factions.key"), {cost.get()}, {},
-                                  changes, QStringLiteral("ann"), QStringLiteral("costs")),
-             qPrintable(error));
+    changes.insert(METAFIELD_AND_SCHEMA(KMF_FIELD_NAME, units->field_schema_by_name("men")), "soldiers");
+    QVERIFY2(
+        engine.change_schema(error, units, "unit->factions.key", {cost.get()}, {}, changes, "ann", "costs"),
+        qPrintable(error));
     KOR_TABLE_SCHEMA reordered(*units);
-    reordered.set_column_ordering({QStringLiteral("cost"), QStringLiteral("unit"), QStringLiteral("faction"),
-                                   QStringLiteral("soldiers")});
-    QVERIFY(engine.edit_table(QStringLiteral("units"), reordered, "", "").isEmpty());
-    source.table(QStringLiteral("scratch"), {TEST_FIELD::key(QStringLiteral("key"))});
-    QVERIFY(engine.remove_table(QStringLiteral("scratch"), QStringLiteral("ann"), QStringLiteral("mistake"))
-                .isEmpty());
-    QVERIFY(engine.change_schema(error, units, QStringLiteral("unit->factions.key"), {},
-                                 {QStringLiteral("cost")}, {}, "", ""));
+    reordered.set_column_ordering({"cost", "unit", "faction", "soldiers"});
+    QVERIFY(engine.edit_table("units", reordered, "", "").isEmpty());
+    source.table("scratch", {TEST_FIELD::key("key")});
+    QVERIFY(engine.remove_table("scratch", "ann", "mistake").isEmpty());
+    QVERIFY(engine.change_schema(error, units, "unit->factions.key", {}, {"cost"}, {}, "", ""));
     QVERIFY2(source.ok(), qPrintable(source.error()));
 
     UPDATE_COMMAND_ITEMS items;
-    const QString commands = database_path(QStringLiteral("source")) + QStringLiteral("/update_commands.txt");
+    const QString commands = database_path("source") + QStringLiteral("/update_commands.txt");
     QVERIFY(items.parse_commands_file_for_schema_changes(commands));
     QSet<int> kinds;
     for (int i = 0; i < items.command_count(); ++i)
         kinds.insert(items.item_at(i)->command_type);
     QCOMPARE(kinds, QSet<int>({1, 2, 3, 4, 5, 6, 7}));
 
-    TEST_DATABASE_BUILDER target(database_path(QStringLiteral("target")));
+    TEST_DATABASE_BUILDER target(database_path("target"));
     QVERIFY2(target.query_interface().apply_edit_commands(commands, false),
              qPrintable(target.query_interface().get_last_error()));
-    const QString source_schemas = database_path(QStringLiteral("source")) + QStringLiteral("/Veld_schemas");
-    const QString target_schemas = database_path(QStringLiteral("target")) + QStringLiteral("/Veld_schemas");
+    const QString source_schemas = database_path("source") + QStringLiteral("/Veld_schemas");
+    const QString target_schemas = database_path("target") + QStringLiteral("/Veld_schemas");
     const auto target_files = folder_bytes(target_schemas);
     const auto source_files = folder_bytes(source_schemas);
     QCOMPARE(target_files.keys(), source_files.keys());
@@ -501,17 +426,17 @@ void TST_KOR_ENGINE_SCHEMA::update_commands_rebuild_the_schemas_elsewhere()
         QCOMPARE(QString::fromUtf8(target_files.value(file)), QString::fromUtf8(source_files.value(file)));
 
     // Applying again finds everything in place and changes nothing.
-    const QMap<QString, QByteArray> after_first = folder_bytes(database_path(QStringLiteral("target")));
+    const QMap<QString, QByteArray> after_first = folder_bytes(database_path("target"));
     TEST_PROGRESS progress;
     KOR_XML_QUERY_INTERFACE again(&progress, QString(), false, false);
-    QVERIFY(again.connect_without_merge(database_path(QStringLiteral("target")), false).isEmpty());
+    QVERIFY(again.connect_without_merge(database_path("target"), false).isEmpty());
     QVERIFY(again.apply_edit_commands(commands, false));
     const auto after_second = folder_bytes(database_path(QStringLiteral("target")));
     for (const QString& file : after_second.keys())
         QVERIFY2(after_second.value(file) == after_first.value(file),
                  qPrintable(file + QString::fromUtf8(after_second.value(file))));
     QCOMPARE(after_second.keys(), after_first.keys());
-    QVERIFY(progress.texts(0).contains(QStringLiteral("passed over")));
+    QVERIFY(progress.texts(0).contains("passed over"));
 }
 
 void TST_KOR_ENGINE_SCHEMA::malformed_update_commands_name_their_line_data()
@@ -541,9 +466,9 @@ void TST_KOR_ENGINE_SCHEMA::malformed_update_commands_name_their_line()
     QFETCH(QString, expected);
     TEST_PROGRESS progress;
     UPDATE_COMMAND_ITEMS items(&progress);
-    QVERIFY(!items.parse_commands_text(text, QStringLiteral("commands")));
+    QVERIFY(!items.parse_commands_text(text, "commands"));
     QVERIFY2(items.last_error().contains(expected), qPrintable(items.last_error()));
-    QVERIFY(items.last_error().startsWith(QStringLiteral("commands")));
+    QVERIFY(items.last_error().startsWith("commands"));
     QCOMPARE(progress.reports.size(), 1);
     QCOMPARE(progress.reports.first().second, int(PROGRESS_CALLBACK::SEVERITY_ERROR));
 }

@@ -3,6 +3,7 @@
 #include "kor_field_data.h"
 #include "kor_field_schema.h"
 #include "kor_record_data.h"
+#include "kor_table_data.h"
 #include "kor_table_schema.h"
 #include "kor_xml_query_interface.h"
 
@@ -101,6 +102,39 @@ std::unique_ptr<KOR_RECORD_DATA> TEST_DATABASE_BUILDER::make_record(const KOR_TA
     return record;
 }
 
+std::unique_ptr<KOR_RECORD_DATA> TEST_DATABASE_BUILDER::changed(const KOR_RECORD_DATA* record,
+                                                                const QVariantMap& values)
+{
+    auto copy = std::make_unique<KOR_RECORD_DATA>(*record, nullptr, false);
+    for (auto it = values.constBegin(); it != values.constEnd(); ++it)
+        copy->get_field_data(it.key())->m_value = it.value();
+    return copy;
+}
+
+QString TEST_DATABASE_BUILDER::add_record(KOR_XML_QUERY_INTERFACE& engine, const QString& table,
+                                          const QVariantMap& values)
+{
+    const KOR_TABLE_SCHEMA* schema = engine.get_table_schema(table);
+    return schema ? engine.add_record(table, make_record(schema, values).get())
+                  : QStringLiteral("no table ") + table;
+}
+
+QString TEST_DATABASE_BUILDER::edit_record(KOR_XML_QUERY_INTERFACE& engine, const QString& table,
+                                           KOR_RECORD_DATA* record, const QVariantMap& values)
+{
+    return engine.edit_record_data(table, record, changed(record, values).get());
+}
+
+QString TEST_DATABASE_BUILDER::value_text(KOR_XML_QUERY_INTERFACE& engine, const QString& table,
+                                          const QString& key, const QString& field)
+{
+    QString error;
+    const KOR_TABLE_DATA* data = engine.get_table_data(error, table);
+    const KOR_RECORD_DATA* record = data ? data->record_by_key(key) : nullptr;
+    const KOR_FIELD_DATA* value = record ? record->get_field_data(field) : nullptr;
+    return value ? value->value_text() : QStringLiteral("<none>");
+}
+
 TEST_DATABASE_BUILDER& TEST_DATABASE_BUILDER::table(const QString& name, const QList<TEST_FIELD>& fields)
 {
     if (ok())
@@ -111,15 +145,8 @@ TEST_DATABASE_BUILDER& TEST_DATABASE_BUILDER::table(const QString& name, const Q
 
 TEST_DATABASE_BUILDER& TEST_DATABASE_BUILDER::record(const QString& table, const QVariantMap& values)
 {
-    if (!ok())
-        return *this;
-    const KOR_TABLE_SCHEMA* schema = m_interface->get_table_schema(table);
-    if (!schema)
-    {
-        note(QStringLiteral("no table ") + table);
-        return *this;
-    }
-    note(m_interface->add_record(table, make_record(schema, values).get()));
+    if (ok())
+        note(add_record(*m_interface, table, values));
     return *this;
 }
 

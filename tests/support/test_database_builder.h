@@ -80,6 +80,19 @@ public:
     // A detached record of the schema holding the given values.
     static std::unique_ptr<KOR_RECORD_DATA> make_record(const KOR_TABLE_SCHEMA* schema,
                                                         const QVariantMap& values);
+    // A copy of a record with some values changed, as an editor sends it.
+    static std::unique_ptr<KOR_RECORD_DATA> changed(const KOR_RECORD_DATA* record, const QVariantMap& values);
+
+    // The engine's own operations with the values given, answering its error
+    // (empty on success): a new record of table, and an edit of record.
+    static QString add_record(KOR_XML_QUERY_INTERFACE& engine, const QString& table,
+                              const QVariantMap& values);
+    static QString edit_record(KOR_XML_QUERY_INTERFACE& engine, const QString& table, KOR_RECORD_DATA* record,
+                               const QVariantMap& values);
+    // The text of a field of the record with that key, "<none>" when table,
+    // record or field is missing.
+    static QString value_text(KOR_XML_QUERY_INTERFACE& engine, const QString& table, const QString& key,
+                              const QString& field);
 
 private:
     void note(const QString& error);

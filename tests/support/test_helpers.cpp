@@ -32,6 +32,21 @@ bool write_file(const QString& path, const QByteArray& contents)
     return file.write(contents) == contents.size() && file.flush();
 }
 
+bool copy_folder(const QString& from, const QString& to)
+{
+    if (!QDir().mkpath(to))
+        return false;
+    const QDir source(from);
+    for (const QFileInfo& entry :
+         source.entryInfoList(QDir::Files | QDir::Dirs | QDir::NoDotAndDotDot | QDir::Hidden))
+    {
+        const QString target = to + QLatin1Char('/') + entry.fileName();
+        if (entry.isDir() ? !copy_folder(entry.filePath(), target) : !QFile::copy(entry.filePath(), target))
+            return false;
+    }
+    return true;
+}
+
 bool wait_until(const std::function<bool()>& condition, int timeout_ms)
 {
     QDeadlineTimer deadline(timeout_ms);

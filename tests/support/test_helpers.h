@@ -15,6 +15,9 @@ QByteArray read_file(const QString& path);
 QString read_text(const QString& path);
 // Writes the file, making its folder first; false on failure.
 bool write_file(const QString& path, const QByteArray& contents);
+// Copies the folder with everything below it, hidden files included, into
+// `to` (made as needed); false on failure.
+bool copy_folder(const QString& from, const QString& to);
 
 // Processes events until `condition` holds or `timeout_ms` has passed, as the
 // QTRY_ macros do; answers whether it held. For conditions the QTRY_ macros

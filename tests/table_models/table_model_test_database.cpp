@@ -4,6 +4,7 @@
 #include "kor_record_data.h"
 #include "kor_table_data.h"
 #include "test_database_builder.h"
+#include "test_helpers.h"
 
 #include <QDir>
 #include <QFile>
@@ -69,23 +70,6 @@ QString build_sample(const QString& path)
     return db.error();
 }
 
-// The sample is built once a process and copied for each test: building goes
-// through a committed transaction a record.
-bool copy_folder(const QString& from, const QString& to)
-{
-    if (!QDir().mkpath(to))
-        return false;
-    const QDir source(from);
-    for (const QFileInfo& entry :
-         source.entryInfoList(QDir::Files | QDir::Dirs | QDir::NoDotAndDotDot | QDir::Hidden))
-    {
-        const QString target = to + QLatin1Char('/') + entry.fileName();
-        if (entry.isDir() ? !copy_folder(entry.filePath(), target) : !QFile::copy(entry.filePath(), target))
-            return false;
-    }
-    return true;
-}
-
 const QString& sample_path(QString& error)
 {
     static QTemporaryDir folder;
@@ -101,7 +85,9 @@ TABLE_MODEL_TEST_DATABASE::TABLE_MODEL_TEST_DATABASE() : m_path(m_folder.filePat
     const QString& sample = sample_path(m_error);
     if (!ok())
         return;
-    if (!copy_folder(sample, m_path))
+    // The sample is built once a process and copied for each test: building
+    // goes through a committed transaction a record.
+    if (!ORBIN_TEST::copy_folder(sample, m_path))
     {
         m_error = QStringLiteral("Cannot copy the sample database to ") + m_path;
         return;
