@@ -69,9 +69,6 @@ private slots:
         QTest::newRow("neither with separator") << "/p/db"
                                                 << "schema_changes_requests"
                                                 << "/p/db/schema_changes_requests";
-        QTest::newRow("form descriptions") << "/p/db"
-                                           << "\\Veld_form_descriptions.xml"
-                                           << "/p/db/Veld_form_descriptions.xml";
         QTest::newRow("windows base") << "D:\\ws\\"
                                       << "game\\raw_data"
                                       << "D:/ws/game/raw_data";
@@ -95,10 +92,8 @@ private slots:
     {
         QTest::addColumn<QString>("windows");
         QTest::addColumn<QString>("native");
-        QTest::newRow("asset tool") << "KILN.release.exe"
-                                    << "KILN.release";
-        QTest::newRow("layout tool") << "Slatepad.UnityRelease.exe"
-                                     << "Slatepad.UnityRelease";
+        QTest::newRow("dots before the suffix") << "KILN.release.exe"
+                                                << "KILN.release";
         QTest::newRow("upper case suffix") << "wget114.EXE"
                                            << "wget114";
         QTest::newRow("no suffix") << "wget"

@@ -33,9 +33,6 @@ private slots:
         QTest::newRow("options") << "Northfold\\Quill\\Veld\\Options"
                                  << "Northfold/Quill/Veld"
                                  << "Options";
-        QTest::newRow("tracker import") << "Northfold\\Quill\\TrackerFileImport"
-                                        << "Northfold/Quill"
-                                        << "TrackerFileImport";
         QTest::newRow("trailing separator") << "Northfold\\Quill\\Veld\\Connections\\"
                                             << "Northfold/Quill/Veld"
                                             << "Connections";
@@ -99,34 +96,6 @@ private slots:
             it.next();
             QVERIFY2(!it.fileName().contains(QLatin1Char('\\')), qPrintable(it.filePath()));
         }
-    }
-
-    // Arrays keep their names and order, as the recent-connection lists need.
-    void arrays_round_trip()
-    {
-        const QStringList paths{QStringLiteral("/db/one"), QStringLiteral("/db/two"),
-                                QStringLiteral("/db/three")};
-        {
-            ORBIN_SETTINGS settings(QStringLiteral("Northfold\\Quill\\Veld\\Connections"));
-            settings.beginWriteArray(QStringLiteral("recentMainConnections"));
-            for (int i = 0; i < paths.size(); ++i)
-            {
-                settings.setArrayIndex(i);
-                settings.setValue(QStringLiteral("connection_string"), paths[i]);
-                settings.setValue(QStringLiteral("connection_index"), i);
-            }
-            settings.endArray();
-        }
-        ORBIN_SETTINGS settings(QStringLiteral("Northfold\\Quill\\Veld\\Connections"));
-        const int size = settings.beginReadArray(QStringLiteral("recentMainConnections"));
-        QCOMPARE(size, paths.size());
-        for (int i = 0; i < size; ++i)
-        {
-            settings.setArrayIndex(i);
-            QCOMPARE(settings.value(QStringLiteral("connection_string")).toString(), paths[i]);
-            QCOMPARE(settings.value(QStringLiteral("connection_index")).toInt(), i);
-        }
-        settings.endArray();
     }
 
     // "Northfold\Quill\Veld" is a concern of its own and also the folder of

@@ -129,16 +129,12 @@ void TEST_KOR_QUERY_EVALUATION::filters_data()
     QTest::newRow("no condition keeps key order") << "" << all;
     QTest::newRow("integer =") << "[units.men] = 80" << QStringList{"hastati", "principes"};
     QTest::newRow("integer <>") << "[units.men] <> 80" << QStringList{"Levy", "archers", "triarii", "trireme", "woad_warriors"};
-    QTest::newRow("integer <") << "[units.men] < 80" << QStringList{"archers", "triarii"};
     QTest::newRow("integer <=") << "[units.men] <= 80" << QStringList{"archers", "hastati", "principes", "triarii"};
-    QTest::newRow("integer >") << "[units.men] > 100" << QStringList{"Levy", "trireme"};
     QTest::newRow("integer >=") << "[units.men] >= 100" << QStringList{"Levy", "trireme", "woad_warriors"};
-    QTest::newRow("literal on the left") << "100 <= [units.men]" << QStringList{"Levy", "trireme", "woad_warriors"};
     QTest::newRow("integer against a real") << "[units.men] > 99.5" << QStringList{"Levy", "trireme", "woad_warriors"};
     QTest::newRow("quoted number for an integer") << "[units.men] = '80'" << QStringList{"hastati", "principes"};
     QTest::newRow("double") << "[units.cost] = 350.5 OR [units.cost] > 900" << QStringList{"archers", "trireme"};
     QTest::newRow("single meets 0.1") << "[units.scale] = 0.1" << QStringList{"archers"};
-    QTest::newRow("single ordering") << "[units.scale] > 1.2" << QStringList{"principes", "triarii", "trireme"};
     QTest::newRow("largest card64") << "[units.uid] = 18446744073709551615" << QStringList{"archers"};
     QTest::newRow("card64 beyond signed") << "[units.uid] > 9223372036854775807"
                                           << QStringList{"archers", "woad_warriors"};
@@ -148,7 +144,6 @@ void TEST_KOR_QUERY_EVALUATION::filters_data()
     QTest::newRow("text ordering by code") << "[units.key] < 'b'" << QStringList{"Levy", "archers"};
     QTest::newRow("text against a number") << "[units.key] <> 5" << all;
     QTest::newRow("LIKE ignores case") << "[units.notes] LIKE '%LEGION%'" << QStringList{"hastati"};
-    QTest::newRow("LIKE prefix") << "[units.notes] like 'woad%'" << QStringList{"woad_warriors"};
     QTest::newRow("LIKE one character") << "[units.key] LIKE 'h_stat_'" << QStringList{"hastati"};
     QTest::newRow("NOT LIKE") << "[units.key] NOT LIKE 'tri%'"
                               << QStringList{"Levy", "archers", "hastati", "principes", "woad_warriors"};
@@ -156,20 +151,17 @@ void TEST_KOR_QUERY_EVALUATION::filters_data()
     QTest::newRow("LIKE on a number field") << "[units.men] LIKE '1%'" << QStringList{"Levy", "trireme", "woad_warriors"};
     QTest::newRow("yes/no TRUE") << "[units.naval] = TRUE" << QStringList{"trireme"};
     QTest::newRow("yes/no 1") << "[units.naval] = 1" << QStringList{"trireme"};
-    QTest::newRow("yes/no <> FALSE") << "[units.naval] <> false" << QStringList{"trireme"};
     QTest::newRow("AND before OR") << "[units.men] = 40 OR [units.men] = 60 AND [units.naval] = TRUE"
                                    << QStringList{"triarii"};
     QTest::newRow("brackets change it") << "([units.men] = 40 OR [units.men] = 60) AND [units.naval] = FALSE"
                                         << QStringList{"archers", "triarii"};
     QTest::newRow("NOT of brackets") << "NOT ([units.men] >= 80 OR [units.naval] = TRUE)"
                                      << QStringList{"archers", "triarii"};
-    QTest::newRow("double NOT") << "NOT NOT [units.men] = 40" << QStringList{"triarii"};
     QTest::newRow("IS NULL finds empty text") << "[units.notes] IS NULL" << QStringList{"Levy", "principes"};
     QTest::newRow("IS NOT NULL") << "[units.upgrade] IS NOT NULL" << QStringList{"hastati", "principes"};
     QTest::newRow("field against field") << "[units.key] = [units.upgrade]" << QStringList{};
     QTest::newRow("field of its own, unqualified") << "[men] = 40" << QStringList{"triarii"};
     QTest::newRow("constant false") << "1 = 2" << QStringList{};
-    QTest::newRow("constant true") << "'a' = 'a' AND [units.men] = 40" << QStringList{"triarii"};
     QTest::newRow("constant inside OR") << "[units.men] = 40 OR 1 = 1" << all;
 }
 
@@ -412,14 +404,6 @@ void TEST_KOR_QUERY_EVALUATION::empty_results_keep_their_columns()
 
 void TEST_KOR_QUERY_EVALUATION::results_move_and_clear()
 {
-    KOR_QUERY_RESULTS empty;
-    QCOMPARE(empty.field_count(), 0);
-    QCOMPARE(empty.record_count(), 0);
-    QVERIFY(!empty.table_schema());
-    QVERIFY(!empty.record(0));
-    QVERIFY(!empty.value(0, 0).isValid());
-    QVERIFY(empty.source_table(0).isEmpty());
-
     KOR_QUERY_RESULTS results;
     QString error;
     QVERIFY2(db().get_query_data_from_simple_sql(error, results, "SELECT [units.key] FROM [units]"),

@@ -45,15 +45,11 @@ void TEST_KOR_SQL_PARSER::canonical_text_data()
     QTest::newRow("keywords in any case") << "select [t.a] From [t] wHeRe [t.a]=1"
                                           << "SELECT [t.a] FROM [t] WHERE [t.a] = 1";
     QTest::newRow("bare names") << "SELECT t.a, t.b FROM t" << "SELECT [t.a], [t.b] FROM [t]";
-    QTest::newRow("two bracketed parts") << "SELECT [t].[a], [t].b, t.[c] FROM [t]"
-                                         << "SELECT [t.a], [t.b], [t.c] FROM [t]";
     QTest::newRow("unqualified field") << "SELECT [a] FROM [t] WHERE b = 2" << "SELECT [a] FROM [t] WHERE [b] = 2";
-    QTest::newRow("spaces inside brackets") << "SELECT [ t . a ] FROM [ t ]" << "SELECT [t.a] FROM [t]";
     QTest::newRow("escaped bracket") << "SELECT [we]]ird.f] FROM [we]]ird]" << "SELECT [we]]ird.f] FROM [we]]ird]";
     QTest::newRow("dotted table name") << "SELECT [a.b].[c], [a.b].* FROM [a.b]"
                                        << "SELECT [a.b].[c], [a.b].* FROM [a.b]";
     QTest::newRow("unicode names") << "SELECT größe.wert FROM größe" << "SELECT [größe.wert] FROM [größe]";
-    QTest::newRow("star") << "SELECT * FROM [t]" << "SELECT * FROM [t]";
     QTest::newRow("table stars") << "SELECT [t.*], u.*, * FROM [t] JOIN [u] ON [t.k]=[u.k]"
                                  << "SELECT [t.*], [u.*], * FROM [t] JOIN [u] ON [t.k] = [u.k]";
     QTest::newRow("several joins")
@@ -65,13 +61,10 @@ void TEST_KOR_SQL_PARSER::canonical_text_data()
                                           "[t.a] <= 1 AND [t.a] >= 1"
                                << where + "[t.a] = 1 AND [t.a] <> 1 AND [t.a] <> 1 AND [t.a] < 1 AND [t.a] > 1 AND "
                                           "[t.a] <= 1 AND [t.a] >= 1";
-    QTest::newRow("operators without spaces") << where + "[t.a]<=1 OR[t.a]>=2 OR [t.a]<>[t.b]"
-                                              << where + "[t.a] <= 1 OR [t.a] >= 2 OR [t.a] <> [t.b]";
     QTest::newRow("like") << where + "[t.a] like 'x%' AND [t.a] NOT LIKE '_y' AND [t.a] LIKE '5!%' escape '!'"
                           << where + "[t.a] LIKE 'x%' AND [t.a] NOT LIKE '_y' AND [t.a] LIKE '5!%' ESCAPE '!'";
     QTest::newRow("is null") << where + "[t.a] is null OR [t.a] IS NOT NULL"
                              << where + "[t.a] IS NULL OR [t.a] IS NOT NULL";
-    QTest::newRow("literal on the left") << where + "5 < [t.a]" << where + "5 < [t.a]";
     QTest::newRow("AND binds tighter than OR") << where + "a=1 OR b=2 AND c=3" << where + "[a] = 1 OR [b] = 2 AND [c] = 3";
     QTest::newRow("brackets kept where needed") << where + "(a=1 OR b=2) AND c=3"
                                                 << where + "([a] = 1 OR [b] = 2) AND [c] = 3";
@@ -81,13 +74,10 @@ void TEST_KOR_SQL_PARSER::canonical_text_data()
                                                    << where + "[a] = 1 AND ([b] = 2 AND [c] = 3)";
     QTest::newRow("NOT of a group") << where + "NOT (a=1 AND b=2)" << where + "NOT ([a] = 1 AND [b] = 2)";
     QTest::newRow("NOT binds tighter than AND") << where + "NOT a=1 AND b=2" << where + "NOT [a] = 1 AND [b] = 2";
-    QTest::newRow("double NOT") << where + "not NOT a=1" << where + "NOT NOT [a] = 1";
     QTest::newRow("semicolon and comment") << "SELECT [t.a] -- the first field\nFROM [t];"
                                            << "SELECT [t.a] FROM [t]";
-    QTest::newRow("text with quote") << where + "[t.a] = 'it''s'" << where + "[t.a] = 'it''s'";
     QTest::newRow("numbers as written") << where + "[t.a] = -5 OR [t.a] = 1.50 OR [t.a] = 2E-3"
                                         << where + "[t.a] = -5 OR [t.a] = 1.50 OR [t.a] = 2E-3";
-    QTest::newRow("booleans") << where + "[t.a] = true OR [t.a] = False" << where + "[t.a] = TRUE OR [t.a] = FALSE";
 }
 
 void TEST_KOR_SQL_PARSER::canonical_text()
@@ -167,21 +157,16 @@ void TEST_KOR_SQL_PARSER::literals_data()
     QTest::addColumn<QString>("value");
 
     QTest::newRow("integer") << "42" << int(KOR_SQL_LITERAL::INTEGER) << "42";
-    QTest::newRow("negative") << "-42" << int(KOR_SQL_LITERAL::INTEGER) << "-42";
     QTest::newRow("smallest signed") << "-9223372036854775808" << int(KOR_SQL_LITERAL::INTEGER)
                                      << "-9223372036854775808";
     QTest::newRow("beyond signed") << "9223372036854775808" << int(KOR_SQL_LITERAL::UNSIGNED)
                                    << "9223372036854775808";
-    QTest::newRow("largest unsigned") << "18446744073709551615" << int(KOR_SQL_LITERAL::UNSIGNED)
-                                      << "18446744073709551615";
     QTest::newRow("real") << "2.5" << int(KOR_SQL_LITERAL::REAL) << "2.5";
     QTest::newRow("exponent") << "-1e3" << int(KOR_SQL_LITERAL::REAL) << "-1000";
     QTest::newRow("text") << "'a ''b'' c'" << int(KOR_SQL_LITERAL::TEXT) << "a 'b' c";
-    QTest::newRow("empty text") << "''" << int(KOR_SQL_LITERAL::TEXT) << "";
     QTest::newRow("text keeps brackets") << "'[x.y] -- not a comment'" << int(KOR_SQL_LITERAL::TEXT)
                                          << "[x.y] -- not a comment";
     QTest::newRow("true") << "True" << int(KOR_SQL_LITERAL::BOOLEAN) << "true";
-    QTest::newRow("false") << "FALSE" << int(KOR_SQL_LITERAL::BOOLEAN) << "false";
 }
 
 void TEST_KOR_SQL_PARSER::literals()
@@ -215,7 +200,6 @@ void TEST_KOR_SQL_PARSER::syntax_errors_data()
     const QString head = QStringLiteral("SELECT [t.f] FROM [t] WHERE ");   // 28 characters
 
     QTest::newRow("empty") << "" << "Syntax error at position 1: expected SELECT but found the end of the statement";
-    QTest::newRow("blank") << "   " << "Syntax error at position 4: expected SELECT but found the end of the statement";
     QTest::newRow("not a select") << "DELETE FROM [t]" << "Syntax error at position 1: expected SELECT but found 'DELETE'";
     QTest::newRow("misspelt FROM") << "SELECT [t.f], [t.g] FORM [t]"
                                    << "Syntax error at position 21: expected ',' or FROM but found 'FORM'";
@@ -225,12 +209,6 @@ void TEST_KOR_SQL_PARSER::syntax_errors_data()
     QTest::newRow("no fields") << "SELECT FROM [t]"
                                << "Syntax error at position 8: expected a field such as [table.field] or * but found "
                                   "'FROM'";
-    QTest::newRow("keyword as name") << "SELECT select FROM [t]"
-                                     << "Syntax error at position 8: expected a field such as [table.field] or * but "
-                                        "found 'select'";
-    QTest::newRow("trailing comma") << "SELECT [t.f], FROM [t]"
-                                    << "Syntax error at position 15: expected a field such as [table.field] or * but "
-                                       "found 'FROM'";
     QTest::newRow("no table") << "SELECT [t.f] FROM WHERE"
                               << "Syntax error at position 19: expected a table name such as [table] but found 'WHERE'";
     QTest::newRow("unclosed name") << "SELECT [t.f FROM [t]"
@@ -238,15 +216,11 @@ void TEST_KOR_SQL_PARSER::syntax_errors_data()
     QTest::newRow("stray closing bracket") << "SELECT t.f] FROM [t]"
                                            << "Syntax error at position 11: ']' without a matching '['";
     QTest::newRow("empty name") << "SELECT [ ] FROM [t]" << "Syntax error at position 8: empty name '[]'";
-    QTest::newRow("half a name") << "SELECT [.f] FROM [t]"
-                                 << "Syntax error at position 8: malformed name '[.f]'; write it as [table.field]";
     QTest::newRow("name ends in a dot") << "SELECT t. FROM [t]"
                                         << "Syntax error at position 11: expected a field name or * after '.' but found "
                                            "'FROM'";
     QTest::newRow("join without ON") << "SELECT [t.f] FROM [t] JOIN [u] [t.k] = [u.k]"
                                      << "Syntax error at position 32: expected ON but found '[t.k]'";
-    QTest::newRow("INNER without JOIN") << "SELECT [t.f] FROM [t] INNER [u]"
-                                        << "Syntax error at position 29: expected JOIN but found '[u]'";
     QTest::newRow("alias missing") << "SELECT [t.f] FROM [t] AS"
                                    << "Syntax error at position 25: expected a name after AS but found the end of the "
                                       "statement";
@@ -262,18 +236,12 @@ void TEST_KOR_SQL_PARSER::syntax_errors_data()
     QTest::newRow("operator missing") << head + "[t.f] 5"
                                       << "Syntax error at position 35: expected a comparison (=, <>, <, >, <=, >=, LIKE "
                                          "or IS) but found '5'";
-    QTest::newRow("doubled operator") << head + "[t.f] <> <> 5"
-                                      << "Syntax error at position 38: expected a field or a value after '<>' but found "
-                                         "'<>'";
     QTest::newRow("bracket not closed") << head + "([t.f] = 1 OR [t.f] = 2"
                                         << "Syntax error at position 52: expected AND, OR or ')' but found the end of "
                                            "the statement";
     QTest::newRow("extra closing bracket") << head + "[t.f] = 1)"
                                            << "Syntax error at position 38: expected AND, OR or the end of the "
                                               "statement but found ')'";
-    QTest::newRow("two values") << head + "[t.f] = 1 2"
-                                << "Syntax error at position 39: expected AND, OR or the end of the statement but found "
-                                   "'2'";
     QTest::newRow("dangling AND") << head + "[t.f] = 1 AND"
                                   << "Syntax error at position 42: expected a condition such as [table.field] = 5 but "
                                      "found the end of the statement";
@@ -282,16 +250,11 @@ void TEST_KOR_SQL_PARSER::syntax_errors_data()
     QTest::newRow("LIKE a number") << head + "[t.f] LIKE 5"
                                    << "Syntax error at position 40: expected a pattern in quotes after LIKE but found "
                                       "'5'";
-    QTest::newRow("LIKE a field") << head + "[t.f] LIKE [t.g]"
-                                  << "Syntax error at position 40: expected a pattern in quotes after LIKE but found "
-                                     "'[t.g]'";
     QTest::newRow("long ESCAPE") << head + "[t.f] LIKE 'a' ESCAPE 'ab'"
                                  << "Syntax error at position 51: expected one character in quotes after ESCAPE but "
                                     "found the text 'ab'";
     QTest::newRow("IS without NULL") << head + "[t.f] IS 5"
                                      << "Syntax error at position 38: expected NULL or NOT NULL but found '5'";
-    QTest::newRow("IS NOT without NULL") << head + "[t.f] IS NOT 5"
-                                         << "Syntax error at position 42: expected NULL but found '5'";
     QTest::newRow("star in a condition") << head + "[t.*] = 1"
                                          << "Syntax error at position 29: '[t.*]' can only stand in the list after SELECT";
     QTest::newRow("unclosed text") << head + "[t.f] = 'abc"
@@ -302,17 +265,10 @@ void TEST_KOR_SQL_PARSER::syntax_errors_data()
     QTest::newRow("negative too large") << head + "[t.f] = -9223372036854775809"
                                         << "Syntax error at position 37: the number '-9223372036854775809' is out of "
                                            "range";
-    QTest::newRow("real too large") << head + "[t.f] = 1e999"
-                                    << "Syntax error at position 37: the number '1e999' is out of range";
     QTest::newRow("malformed number") << head + "[t.f] = 5abc"
                                       << "Syntax error at position 37: malformed number '5abc'";
-    QTest::newRow("two decimal points") << head + "[t.f] = 1.2.3"
-                                        << "Syntax error at position 37: malformed number '1.2.3'";
     QTest::newRow("unknown character") << head + "[t.f] = #1"
                                        << "Syntax error at position 37: unexpected character '#'";
-    QTest::newRow("lone minus") << head + "[t.f] = - 1" << "Syntax error at position 37: unexpected character '-'";
-    QTest::newRow("double semicolon") << "SELECT [t.f] FROM [t];;"
-                                      << "Syntax error at position 23: expected the end of the statement but found ';'";
     QTest::newRow("several lines") << "SELECT [t.f]\nFROM [t]\nWHERE [t.f] = = 1"
                                    << "Syntax error at position 37 (line 3, column 15): expected a field or a value "
                                       "after '=' but found '='";

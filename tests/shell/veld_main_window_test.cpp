@@ -2,7 +2,6 @@
 // progress bar, the options and about windows, and the questions around
 // disconnecting and closing forms.
 #include "about_dialog.h"
-#include "kor_xml_query_interface.h"
 #include "options_dialog.h"
 #include "orbin_settings.h"
 #include "quill_host_options.h"
@@ -95,15 +94,10 @@ private slots:
         QTest::addColumn<QString>("text");
         QTest::addColumn<bool>("visible");
         QTest::newRow("connect") << "&Connect" << true;
-        QTest::newRow("table launcher") << "&Table Launcher" << true;
-        QTest::newRow("options") << "&Options" << true;
         QTest::newRow("apply commands") << "&Apply Commands from File" << true;
         QTest::newRow("revert") << "&Revert Changes" << false;
-        QTest::newRow("query launcher") << "&Query Launcher" << false;
         QTest::newRow("advanced apply, hidden though wired")
             << "&Apply Commands from File (Advanced)" << false;
-        QTest::newRow("manual") << "Manual" << false;
-        QTest::newRow("about") << "&About" << false;
     }
 
     void default_configuration_offers_few_commands()
@@ -471,22 +465,6 @@ private slots:
         QVERIFY(!options.auto_submit_lua_box()->isChecked());
     }
 
-    void about_shows_the_engine_version()
-    {
-        QUILL_HOST_OPTIONS::set_full_configuration(true);
-        VELD_DATA session;
-        VELD_MAIN_WINDOW window(&session);
-        window.displayAbout();
-        QMdiSubWindow* sub_window = registry.find_form(ABOUT_DIALOG::form_name(), VELD_FORM_TYPE::DIALOG);
-        QVERIFY(sub_window);
-        auto* about = qobject_cast<ABOUT_DIALOG*>(sub_window->widget());
-        QCOMPARE(about->windowTitle(), QStringLiteral("About"));
-        KOR_XML_QUERY_INTERFACE probe(nullptr, QString(), false, false);
-        QCOMPARE(about->version_display()->intValue(), probe.version());
-        sub_window->close();
-        QVERIFY(!registry.is_form_open(ABOUT_DIALOG::form_name(), VELD_FORM_TYPE::DIALOG));
-    }
-
     void forms_open_before_reverting_tables_data()
     {
         QTest::addColumn<int>("type");
@@ -511,7 +489,7 @@ private slots:
         registry.unregister_form("units", type);
     }
 
-    void arranging_and_the_dock()
+    void fill_and_cascade_arrange_the_area()
     {
         VELD_DATA session;
         VELD_MAIN_WINDOW window(&session);
@@ -526,11 +504,6 @@ private slots:
         QVERIFY(first->geometry().intersects(second->geometry()));
         registry.unregister_form("a", VELD_FORM_TYPE::DIALOG);
         registry.unregister_form("b", VELD_FORM_TYPE::DIALOG);
-
-        window.ui().status_dock->setFloating(true);
-        QCOMPARE(window.ui().status_dock->size(), QSize(500, 200));
-        QCOMPARE(window.ui().status_dock->windowTitle(), QStringLiteral("Status Bar"));
-        QVERIFY(!(window.ui().status_dock->features() & QDockWidget::DockWidgetClosable));
     }
 
     void old_merge_logs_are_removed_at_start()

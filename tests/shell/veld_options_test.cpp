@@ -31,14 +31,8 @@ private slots:
     {
         QTest::addColumn<QString>("colour_key");
         QTest::addColumn<QColor>("expected");
-        QTest::newRow("cell text") << "cell_text_colour" << QColor(Qt::black);
-        QTest::newRow("frozen text") << "frozen_cell_text_colour" << QColor(255, 255, 255);
         QTest::newRow("altered") << "altered_cell_colour" << QColor(245, 224, 0);
-        QTest::newRow("new") << "new_cell_colour" << QColor(98, 245, 0);
         QTest::newRow("differs") << "differs_colour" << QColor(255, 249, 119);
-        QTest::newRow("only in db 1") << "only_in_db_1_colour" << QColor(155, 164, 219);
-        QTest::newRow("only in db 2") << "only_in_db_2_colour" << QColor(151, 255, 203);
-        QTest::newRow("window") << "window_back_colour" << QColor(238, 255, 255);
         // The style's own colour: nothing to impose.
         QTest::newRow("cell background") << "cell_back_colour" << QColor();
     }
@@ -151,18 +145,6 @@ private slots:
         QCOMPARE(VELD_OPTIONS::window_background_colour(), QColor(Qt::yellow));
     }
 
-    void check_in_switches()
-    {
-        store({{"auto_submit_lua", true}});
-        QVERIFY(VELD_OPTIONS::auto_submit_lua());
-        QVERIFY(!VELD_OPTIONS::auto_submit_start_pos());
-    }
-
-    void hex_digits_are_padded()
-    {
-        QCOMPARE(VELD_OPTIONS::hex_rgb(QColor(0, 5, 10)), QStringLiteral("00050A"));
-        QCOMPARE(VELD_OPTIONS::hex_rgb(QColor(255, 249, 119)), QStringLiteral("FFF977"));
-    }
 };
 
 QTEST_MAIN(VELD_OPTIONS_TEST)
