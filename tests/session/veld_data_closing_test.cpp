@@ -1,7 +1,7 @@
 // Whether the host may close, on a git workspace whose database has local
 // changes: the question of the window that lists them decides, and without
 // that window the question about unsaved table editors still protects them.
-#include "../vcs/git_sandbox.h"
+#include "git_sandbox.h"
 #include "project_paths.h"
 #include "scripted_prompt.h"
 #include "test_database_builder.h"

@@ -1,4 +1,4 @@
-#include "../vcs/git_sandbox.h"
+#include "git_sandbox.h"
 
 #include "kor_field_data.h"
 #include "kor_field_schema.h"
@@ -796,7 +796,7 @@ void VELD_TABLE_DATA_VIEW_MODEL_TEST::works_on_the_connection_of_the_session()
 
 void VELD_TABLE_DATA_VIEW_MODEL_TEST::local_changes_since_the_check_in_are_coloured()
 {
-    if (QStandardPaths::findExecutable(QStringLiteral("git")).isEmpty())
+    if (!GIT_SANDBOX::available())
         QSKIP("git is not installed");
     // A workspace whose units were checked in, then changed locally: one
     // record edited, one added.

@@ -32,15 +32,15 @@ private:
     // An edit, an added table and a deleted one.
     void make_changes()
     {
-        GIT_SANDBOX::write(file(QStringLiteral("units.xml")), "<units>\n<unit key=\"knight\"/>\n</units>\n");
-        GIT_SANDBOX::write(file(QStringLiteral("heroes.xml")), "<heroes/>\n");
-        QVERIFY(QFile::remove(file(QStringLiteral("spells.xml"))));
+        GIT_SANDBOX::write(file("units.xml"), "<units>\n<unit key=\"knight\"/>\n</units>\n");
+        GIT_SANDBOX::write(file("heroes.xml"), "<heroes/>\n");
+        QVERIFY(QFile::remove(file("spells.xml")));
     }
 
 private slots:
     void initTestCase()
     {
-        if (QStandardPaths::findExecutable(QStringLiteral("git")).isEmpty())
+        if (!GIT_SANDBOX::available())
             QSKIP("git is not installed");
     }
 
@@ -48,9 +48,9 @@ private slots:
     {
         KOR_DB_FILE::set_single_db_mode(false);
         sandbox = std::make_unique<GIT_SANDBOX>();
-        QVERIFY(sandbox->create_depot({{QStringLiteral("raw_data/db/units.xml"), units_v1},
-                                       {QStringLiteral("raw_data/db/spells.xml"), spells_v1}}));
-        workspace = QFileInfo(sandbox->clone(QStringLiteral("ws"))).canonicalFilePath();
+        QVERIFY(sandbox->create_depot(
+            {{"raw_data/db/units.xml", units_v1}, {"raw_data/db/spells.xml", spells_v1}}));
+        workspace = QFileInfo(sandbox->clone("ws")).canonicalFilePath();
         db = workspace + QStringLiteral("/raw_data/db");
     }
 
@@ -64,24 +64,22 @@ private slots:
     void shelve_then_unshelve_round_trips()
     {
         make_changes();
-        const QByteArray edited = GIT_SANDBOX::read(file(QStringLiteral("units.xml")));
+        const QByteArray edited = GIT_SANDBOX::read(file("units.xml"));
         QVERIFY(KOR_DB_FILE::local_db_exists_with_changes(db));
         PROGRESS_REPORT_LIST progress;
-        QVERIFY2(KOR_DB_FILE::shelve_db(db, QStringLiteral("army_work"), &progress, true),
-                 qPrintable(progress.texts(0)));
-        QCOMPARE(KOR_DB_FILE::shelved_dbs(db), QStringList{QStringLiteral("army_work")});
+        QVERIFY2(KOR_DB_FILE::shelve_db(db, "army_work", &progress, true), qPrintable(progress.texts(0)));
+        QCOMPARE(KOR_DB_FILE::shelved_dbs(db), QStringList{"army_work"});
         QVERIFY(!KOR_DB_FILE::shelf_folder(db).startsWith(db));
         // Deleting the local changes after shelving leaves the depot's state.
         QVERIFY(!KOR_DB_FILE::local_db_exists_with_changes(db));
-        QCOMPARE(GIT_SANDBOX::read(file(QStringLiteral("units.xml"))), units_v1);
-        QCOMPARE(GIT_SANDBOX::read(file(QStringLiteral("spells.xml"))), spells_v1);
-        QVERIFY(!QFileInfo::exists(file(QStringLiteral("heroes.xml"))));
+        QCOMPARE(GIT_SANDBOX::read(file("units.xml")), units_v1);
+        QCOMPARE(GIT_SANDBOX::read(file("spells.xml")), spells_v1);
+        QVERIFY(!QFileInfo::exists(file("heroes.xml")));
 
-        QVERIFY2(KOR_DB_FILE::unshelve_db(db, QStringLiteral("army_work"), &progress, true),
-                 qPrintable(progress.texts(0)));
-        QCOMPARE(GIT_SANDBOX::read(file(QStringLiteral("units.xml"))), edited);
-        QCOMPARE(GIT_SANDBOX::read(file(QStringLiteral("heroes.xml"))), QByteArray("<heroes/>\n"));
-        QVERIFY(!QFileInfo::exists(file(QStringLiteral("spells.xml"))));
+        QVERIFY2(KOR_DB_FILE::unshelve_db(db, "army_work", &progress, true), qPrintable(progress.texts(0)));
+        QCOMPARE(GIT_SANDBOX::read(file("units.xml")), edited);
+        QCOMPARE(GIT_SANDBOX::read(file("heroes.xml")), QByteArray("<heroes/>\n"));
+        QVERIFY(!QFileInfo::exists(file("spells.xml")));
         QVERIFY(KOR_DB_FILE::shelved_dbs(db).isEmpty());
         QCOMPARE(progress.count(PROGRESS_CALLBACK::SEVERITY_ERROR), 0);
     }
@@ -89,52 +87,50 @@ private slots:
     void shelving_keeps_the_local_changes_unless_asked()
     {
         make_changes();
-        QVERIFY(KOR_DB_FILE::shelve_db(db, QStringLiteral("copy_only"), nullptr, false));
+        QVERIFY(KOR_DB_FILE::shelve_db(db, "copy_only", nullptr, false));
         QVERIFY(KOR_DB_FILE::local_db_exists_with_changes(db));
-        QCOMPARE(GIT_SANDBOX::read(file(QStringLiteral("heroes.xml"))), QByteArray("<heroes/>\n"));
+        QCOMPARE(GIT_SANDBOX::read(file("heroes.xml")), QByteArray("<heroes/>\n"));
     }
 
     void unshelve_puts_local_changes_aside()
     {
         make_changes();
-        QVERIFY(KOR_DB_FILE::shelve_db(db, QStringLiteral("first"), nullptr, true));
-        GIT_SANDBOX::write(file(QStringLiteral("spells.xml")), "<spells>other work</spells>\n");
+        QVERIFY(KOR_DB_FILE::shelve_db(db, "first", nullptr, true));
+        GIT_SANDBOX::write(file("spells.xml"), "<spells>other work</spells>\n");
         PROGRESS_REPORT_LIST progress;
-        QVERIFY(KOR_DB_FILE::unshelve_db(db, QStringLiteral("first"), &progress, false));
+        QVERIFY(KOR_DB_FILE::unshelve_db(db, "first", &progress, false));
         const QStringList shelves = KOR_DB_FILE::shelved_dbs(db);
         QCOMPARE(shelves.size(), 2);
-        QVERIFY(shelves.contains(QStringLiteral("first")));
-        const QString backup = shelves.at(shelves.indexOf(QStringLiteral("first")) == 0 ? 1 : 0);
+        QVERIFY(shelves.contains("first"));
+        const QString backup = shelves.at(shelves.indexOf("first") == 0 ? 1 : 0);
         QVERIFY2(backup.startsWith(QLatin1String("before_unshelve_")), qPrintable(backup));
         // The work that made way comes back from its own shelf.
         QVERIFY(KOR_DB_FILE::unshelve_db(db, backup, nullptr, true));
-        QCOMPARE(GIT_SANDBOX::read(file(QStringLiteral("spells.xml"))),
-                 QByteArray("<spells>other work</spells>\n"));
-        QCOMPARE(GIT_SANDBOX::read(file(QStringLiteral("units.xml"))), units_v1);
+        QCOMPARE(GIT_SANDBOX::read(file("spells.xml")), QByteArray("<spells>other work</spells>\n"));
+        QCOMPARE(GIT_SANDBOX::read(file("units.xml")), units_v1);
     }
 
     void unshelve_goes_back_to_the_shelved_revision()
     {
-        GIT_SANDBOX::write(file(QStringLiteral("units.xml")), "<units>mine</units>\n");
-        QVERIFY(KOR_DB_FILE::shelve_db(db, QStringLiteral("before_update"), nullptr, true));
-        QVERIFY(sandbox->push_from_seed(QStringLiteral("raw_data/db/units.xml"), "<units>theirs</units>\n",
-                                        QStringLiteral("Theirs")));
+        GIT_SANDBOX::write(file("units.xml"), "<units>mine</units>\n");
+        QVERIFY(KOR_DB_FILE::shelve_db(db, "before_update", nullptr, true));
+        QVERIFY(sandbox->push_from_seed("raw_data/db/units.xml", "<units>theirs</units>\n", "Theirs"));
         QString error;
         std::unique_ptr<VCS_DEPOT> depot = VCS_DEPOT::open(error, db);
         QStringList updated;
         QVERIFY(depot->sync(error, {db + QStringLiteral("/...")}, updated));
-        QCOMPARE(GIT_SANDBOX::read(file(QStringLiteral("units.xml"))), QByteArray("<units>theirs</units>\n"));
+        QCOMPARE(GIT_SANDBOX::read(file("units.xml")), QByteArray("<units>theirs</units>\n"));
 
-        QVERIFY(KOR_DB_FILE::unshelve_db(db, QStringLiteral("before_update"), nullptr, true));
-        QCOMPARE(GIT_SANDBOX::read(file(QStringLiteral("units.xml"))), QByteArray("<units>mine</units>\n"));
+        QVERIFY(KOR_DB_FILE::unshelve_db(db, "before_update", nullptr, true));
+        QCOMPARE(GIT_SANDBOX::read(file("units.xml")), QByteArray("<units>mine</units>\n"));
         // Against the revision it was shelved on, the file is a local edit
         // that a merge will bring forward, not a revert of the newer one.
         int have = 0;
-        QVERIFY(depot->have_change(error, file(QStringLiteral("units.xml")), have));
+        QVERIFY(depot->have_change(error, file("units.xml"), have));
         QCOMPARE(have, 1);
         QStringList incoming;
         QVERIFY(depot->incoming(error, db, incoming));
-        QCOMPARE(incoming, QStringList{file(QStringLiteral("units.xml"))});
+        QCOMPARE(incoming, QStringList{file("units.xml")});
     }
 
     void refusals_data()
@@ -158,7 +154,7 @@ private slots:
         QFETCH(QString, message);
         if (changes)
             make_changes();
-        QVERIFY(KOR_DB_FILE::shelve_db(db, QStringLiteral("taken"), nullptr, false) == changes);
+        QVERIFY(KOR_DB_FILE::shelve_db(db, "taken", nullptr, false) == changes);
         KOR_DB_FILE::set_single_db_mode(single_database);
         PROGRESS_REPORT_LIST progress;
         const bool shelved = KOR_DB_FILE::shelve_db(db, name, &progress, true);
@@ -167,20 +163,19 @@ private slots:
         QVERIFY2(progress.texts(0).contains(message), qPrintable(progress.texts(0)));
         // Nothing local went anywhere.
         QCOMPARE(KOR_DB_FILE::local_db_exists_with_changes(db), changes);
-        QVERIFY(!KOR_DB_FILE::unshelve_db(db, QStringLiteral("never_made"), &progress, false));
-        QVERIFY(!KOR_DB_FILE::delete_shelved_db(db, QStringLiteral("never_made"), &progress));
+        QVERIFY(!KOR_DB_FILE::unshelve_db(db, "never_made", &progress, false));
+        QVERIFY(!KOR_DB_FILE::delete_shelved_db(db, "never_made", &progress));
     }
 
     void outside_version_control_nothing_is_changed()
     {
-        const QString plain = sandbox->path(QStringLiteral("plain/db"));
+        const QString plain = sandbox->path("plain/db");
         GIT_SANDBOX::write(plain + QStringLiteral("/units.xml"), units_v1);
         QVERIFY(!KOR_DB_FILE::local_db_exists_with_changes(plain));
         PROGRESS_REPORT_LIST progress;
-        QVERIFY(!KOR_DB_FILE::shelve_db(plain, QStringLiteral("nothing"), &progress, true));
-        QVERIFY2(
-            progress.texts(0).contains(QLatin1String("not in a workspace under version control")),
-            qPrintable(progress.texts(0)));
+        QVERIFY(!KOR_DB_FILE::shelve_db(plain, "nothing", &progress, true));
+        QVERIFY2(progress.texts(0).contains(QLatin1String("not in a workspace under version control")),
+                 qPrintable(progress.texts(0)));
         QCOMPARE(GIT_SANDBOX::read(plain + QStringLiteral("/units.xml")), units_v1);
     }
 };

@@ -54,8 +54,8 @@ private:
         connection.set_start_directory(workspace);
         QString error;
         QVector<QString> output;
-        bool worked = connection.connect(error, QStringLiteral("Orbin")) &&
-                      connection.run(command, arguments, output, input, &error);
+        bool worked =
+            connection.connect(error, "Orbin") && connection.run(command, arguments, output, input, &error);
         if (ok)
             *ok = worked;
         else if (!worked)
@@ -80,7 +80,7 @@ private:
 private slots:
     void initTestCase()
     {
-        if (QStandardPaths::findExecutable(QStringLiteral("git")).isEmpty())
+        if (!GIT_SANDBOX::available())
             QSKIP("git is not installed");
     }
 
@@ -88,11 +88,11 @@ private slots:
     {
         sandbox = std::make_unique<GIT_SANDBOX>();
         QVERIFY(sandbox->valid());
-        QVERIFY(sandbox->create_depot({{QStringLiteral("db/units.xml"), units_v1},
-                                       {QStringLiteral("db/notes.txt"), notes_v1},
-                                       {QStringLiteral("db/Veld_validation.xml"), QByteArray("<v/>\n")}}));
-        a = canonical(sandbox->clone(QStringLiteral("a")));
-        b = canonical(sandbox->clone(QStringLiteral("b")));
+        QVERIFY(sandbox->create_depot({{"db/units.xml", units_v1},
+                                       {"db/notes.txt", notes_v1},
+                                       {"db/Veld_validation.xml", QByteArray("<v/>\n")}}));
+        a = canonical(sandbox->clone("a"));
+        b = canonical(sandbox->clone("b"));
         QVERIFY(!a.isEmpty() && !b.isEmpty());
     }
 
@@ -103,23 +103,21 @@ private slots:
         P4_CONNECTION connection(true, true, false);
         connection.set_start_directory(a + QStringLiteral("/db"));
         QString error;
-        QVERIFY2(connection.connect(error, QStringLiteral("KILN")), qPrintable(error));
+        QVERIFY2(connection.connect(error, "KILN"), qPrintable(error));
         QCOMPARE(connection.get_root(), a);
-        QCOMPARE(connection.backend_name(), QStringLiteral("git"));
+        QCOMPARE(connection.backend_name(), "git");
 
-        const QVector<VCS_ZTAG_RECORD> info = records_of(run(a, QStringLiteral("info"), {}));
+        const QVector<VCS_ZTAG_RECORD> info = records_of(run(a, "info", {}));
         QCOMPARE(info.size(), 1);
-        QCOMPARE(info.first().value(QStringLiteral("clientRoot")), a);
-        const QVector<VCS_ZTAG_RECORD> other = records_of(run(b, QStringLiteral("info"), {}));
-        QVERIFY(info.first().value(QStringLiteral("clientName")) !=
-                other.first().value(QStringLiteral("clientName")));
+        QCOMPARE(info.first().value("clientRoot"), a);
+        const QVector<VCS_ZTAG_RECORD> other = records_of(run(b, "info", {}));
+        QVERIFY(info.first().value("clientName") != other.first().value("clientName"));
 
         // A file argument in another workspace takes the command there.
-        const QVector<VCS_ZTAG_RECORD> have =
-            records_of(run(a, QStringLiteral("have"), {file(b, QStringLiteral("db/units.xml"))}));
+        const QVector<VCS_ZTAG_RECORD> have = records_of(run(a, "have", {file(b, "db/units.xml")}));
         QCOMPARE(have.size(), 1);
-        QCOMPARE(have.first().value(QStringLiteral("path")), file(b, QStringLiteral("db/units.xml")));
-        QCOMPARE(have.first().value(QStringLiteral("haveRev")), QStringLiteral("1"));
+        QCOMPARE(have.first().value("path"), file(b, "db/units.xml"));
+        QCOMPARE(have.first().value("haveRev"), "1");
     }
 
     void outside_a_workspace_is_a_clear_error_data()
@@ -136,18 +134,18 @@ private slots:
     {
         QFETCH(QString, git_program);
         QFETCH(QString, expected);
-        const QString plain = sandbox->path(QStringLiteral("plain"));
+        const QString plain = sandbox->path("plain");
         QDir().mkpath(plain);
         if (!git_program.isEmpty())
             qputenv("ORBIN_GIT", git_program.toUtf8());
         P4_CONNECTION connection(true, true, false);
         connection.set_start_directory(git_program.isEmpty() ? plain : a);
         QString error;
-        const bool connected = connection.connect(error, QStringLiteral("Orbin"));
+        const bool connected = connection.connect(error, "Orbin");
         QVector<QString> output;
-        const bool ran = connection.run(QStringLiteral("sync"), {}, output);
+        const bool ran = connection.run("sync", {}, output);
         QList<QPair<int, QString>> called;
-        const bool ran_with_callback = connection.run(QStringLiteral("sync"), {}, collect_line, &called);
+        const bool ran_with_callback = connection.run("sync", {}, collect_line, &called);
         const QString root = connection.get_root();
         qunsetenv("ORBIN_GIT");
         QVERIFY(!ran_with_callback);
@@ -164,53 +162,48 @@ private slots:
 
     void submit_then_sync_shows_the_change()
     {
-        const QString units_a = file(a, QStringLiteral("db/units.xml"));
-        run(a, QStringLiteral("edit"), {units_a});
+        const QString units_a = file(a, "db/units.xml");
+        run(a, "edit", {units_a});
         const QByteArray units_v2("<units>\n<unit key=\"archer\"/>\n<unit key=\"knight\"/>\n</units>\n");
         GIT_SANDBOX::write(units_a, units_v2);
         bool ok = false;
-        const QStringList submitted = lines_of(
-            run(a, QStringLiteral("submit"), {QStringLiteral("-d"), QStringLiteral("More units")}, &ok));
+        const QStringList submitted = lines_of(run(a, "submit", {"-d", "More units"}, &ok));
         QVERIFY2(ok, qPrintable(submitted.join('\n')));
-        QVERIFY2(submitted.contains(QStringLiteral("Change 2 submitted.")), qPrintable(submitted.join('\n')));
-        QVERIFY(
-            lines_of(run(a, QStringLiteral("opened"), {})).join('\n').contains(QLatin1String("not opened")));
+        QVERIFY2(submitted.contains("Change 2 submitted."), qPrintable(submitted.join('\n')));
+        QVERIFY(lines_of(run(a, "opened", {})).join('\n').contains(QLatin1String("not opened")));
 
-        const QVector<VCS_ZTAG_RECORD> synced = records_of(run(b, QStringLiteral("sync"), {}));
+        const QVector<VCS_ZTAG_RECORD> synced = records_of(run(b, "sync", {}));
         QCOMPARE(synced.size(), 1);
-        QCOMPARE(synced.first().value(QStringLiteral("depotFile")), QStringLiteral("//db/units.xml"));
-        QCOMPARE(synced.first().value(QStringLiteral("action")), QStringLiteral("updated"));
-        QCOMPARE(synced.first().value(QStringLiteral("rev")), QStringLiteral("2"));
-        QCOMPARE(GIT_SANDBOX::read(file(b, QStringLiteral("db/units.xml"))), units_v2);
+        QCOMPARE(synced.first().value("depotFile"), "//db/units.xml");
+        QCOMPARE(synced.first().value("action"), "updated");
+        QCOMPARE(synced.first().value("rev"), "2");
+        QCOMPARE(GIT_SANDBOX::read(file(b, "db/units.xml")), units_v2);
         P4_CONNECTION quiet(true, true, false);
         quiet.set_start_directory(b);
         QList<QPair<int, QString>> called;
-        QVERIFY(quiet.run(QStringLiteral("sync"), {}, collect_line, &called));
+        QVERIFY(quiet.run("sync", {}, collect_line, &called));
         QCOMPARE(called.size(), 1);
         QCOMPARE(called.first().first, 1); // a warning, and no failure
         QVERIFY(called.first().second.contains(QLatin1String("up-to-date")));
 
         // The shape the layout export reads: "//" stands for the client root.
-        const QStringList described =
-            lines_of(run(b, QStringLiteral("describe"), {QStringLiteral("-s"), QStringLiteral("2")}));
+        const QStringList described = lines_of(run(b, "describe", {"-s", "2"}));
         QVERIFY(described.first().startsWith(QLatin1String("Change 2 by ")));
-        QVERIFY(described.contains(QStringLiteral("\tMore units")));
-        const int affected = described.indexOf(QStringLiteral("Affected files ..."));
+        QVERIFY(described.contains("\tMore units"));
+        const int affected = described.indexOf("Affected files ...");
         QVERIFY(affected > 0);
-        QVERIFY(described.mid(affected).contains(QStringLiteral("//db/units.xml#2 edit")));
+        QVERIFY(described.mid(affected).contains("//db/units.xml#2 edit"));
 
-        const QVector<VCS_ZTAG_RECORD> latest = records_of(
-            run(b, QStringLiteral("changes"), {QStringLiteral("-m1"), file(b, QStringLiteral("db/..."))}));
+        const QVector<VCS_ZTAG_RECORD> latest = records_of(run(b, "changes", {"-m1", file(b, "db/...")}));
         QCOMPARE(latest.size(), 1);
-        QCOMPARE(latest.first().value(QStringLiteral("change")), QStringLiteral("2"));
-        QCOMPARE(latest.first().value(QStringLiteral("desc")).trimmed(), QStringLiteral("More units"));
+        QCOMPARE(latest.first().value("change"), "2");
+        QCOMPARE(latest.first().value("desc").trimmed(), "More units");
 
         // Numbers only grow, whichever workspace submits.
-        const QString notes_b = file(b, QStringLiteral("db/notes.txt"));
-        run(b, QStringLiteral("edit"), {notes_b});
+        const QString notes_b = file(b, "db/notes.txt");
+        run(b, "edit", {notes_b});
         GIT_SANDBOX::write(notes_b, "changed\n");
-        QVERIFY(lines_of(run(b, QStringLiteral("submit"), {QStringLiteral("-d"), QStringLiteral("Notes")}))
-                    .contains(QStringLiteral("Change 3 submitted.")));
+        QVERIFY(lines_of(run(b, "submit", {"-d", "Notes"})).contains("Change 3 submitted."));
         P4_CONNECTION connection(true, true, false);
         connection.set_start_directory(a);
         QString error;
@@ -250,20 +243,18 @@ private slots:
         QFETCH(QByteArray, expected);
         QFETCH(bool, still_unresolved);
 
-        const QString notes_b = file(b, QStringLiteral("db/notes.txt"));
+        const QString notes_b = file(b, "db/notes.txt");
         GIT_SANDBOX::write(notes_b, local); // edited without opening: git files are writable
-        QVERIFY(
-            sandbox->push_from_seed(QStringLiteral("db/notes.txt"), theirs, QStringLiteral("Their notes")));
+        QVERIFY(sandbox->push_from_seed("db/notes.txt", theirs, "Their notes"));
 
-        const QStringList synced = lines_of(run(b, QStringLiteral("sync"), {}));
+        const QStringList synced = lines_of(run(b, "sync", {}));
         QVERIFY2(synced.join('\n').contains(QLatin1String("must resolve")), qPrintable(synced.join('\n')));
         QCOMPARE(GIT_SANDBOX::read(notes_b), local); // nothing local is lost by a sync
-        QCOMPARE(records_of(run(b, QStringLiteral("resolve"), {QStringLiteral("-n")})).size(), 1);
+        QCOMPARE(records_of(run(b, "resolve", {"-n"})).size(), 1);
 
-        run(b, QStringLiteral("resolve"), {how, notes_b});
+        run(b, "resolve", {how, notes_b});
         QCOMPARE(GIT_SANDBOX::read(notes_b), expected);
-        QCOMPARE(records_of(run(b, QStringLiteral("resolve"), {QStringLiteral("-n")})).size(),
-                 still_unresolved ? 1 : 0);
+        QCOMPARE(records_of(run(b, "resolve", {"-n"})).size(), still_unresolved ? 1 : 0);
         std::unique_ptr<VCS_DEPOT> client = depot(b);
         QVector<VCS_UNRESOLVED> left;
         QString error;
@@ -284,10 +275,10 @@ private slots:
 
     void sync_to_older_change_and_revision()
     {
-        const QString units_a = file(a, QStringLiteral("db/units.xml"));
+        const QString units_a = file(a, "db/units.xml");
         const QByteArray units_v2("<units/>\n");
-        QVERIFY(sandbox->push_from_seed(QStringLiteral("db/units.xml"), units_v2, QStringLiteral("Second")));
-        run(a, QStringLiteral("sync"), {});
+        QVERIFY(sandbox->push_from_seed("db/units.xml", units_v2, "Second"));
+        run(a, "sync", {});
         QCOMPARE(GIT_SANDBOX::read(units_a), units_v2);
 
         P4_CONNECTION connection(true, true, false);
@@ -295,15 +286,13 @@ private slots:
         QString error;
         QVERIFY(connection.connect(error, QString()));
         QVector<QString> output;
-        QVERIFY(connection.run(QStringLiteral("sync"), {units_a + QStringLiteral("@1")}, output));
+        QVERIFY(connection.run("sync", {units_a + QStringLiteral("@1")}, output));
         QCOMPARE(GIT_SANDBOX::read(units_a), units_v1);
         int change = 0;
         QVERIFY2(KOR_DB_PERFORCE::get_changelist_number(error, change, units_a, connection, true),
                  qPrintable(error));
         QCOMPARE(change, 1);
-        QCOMPARE(
-            records_of(run(a, QStringLiteral("have"), {units_a})).first().value(QStringLiteral("haveRev")),
-            QStringLiteral("1"));
+        QCOMPARE(records_of(run(a, "have", {units_a})).first().value("haveRev"), "1");
         // A file at an older revision is nothing to submit.
         std::unique_ptr<VCS_DEPOT> client = depot(a);
         QVector<VCS_FILE_STATUS> changed;
@@ -319,12 +308,12 @@ private slots:
         QVERIFY(KOR_DB_PERFORCE::get_changelist_number(error, change, units_a, connection, true));
         QCOMPARE(change, 2);
         // The rest of the depot moved on while one file stood still.
-        QVERIFY(connection.run(QStringLiteral("sync"), {units_a + QStringLiteral("#1")}, output));
-        QVERIFY(sandbox->push_from_seed(QStringLiteral("db/notes.txt"), "new\n", QStringLiteral("Third")));
-        QVERIFY(connection.run(QStringLiteral("sync"), {file(a, QStringLiteral("db/notes.txt"))}, output));
-        QCOMPARE(GIT_SANDBOX::read(file(a, QStringLiteral("db/notes.txt"))), QByteArray("new\n"));
+        QVERIFY(connection.run("sync", {units_a + QStringLiteral("#1")}, output));
+        QVERIFY(sandbox->push_from_seed("db/notes.txt", "new\n", "Third"));
+        QVERIFY(connection.run("sync", {file(a, "db/notes.txt")}, output));
+        QCOMPARE(GIT_SANDBOX::read(file(a, "db/notes.txt")), QByteArray("new\n"));
         QCOMPARE(GIT_SANDBOX::read(units_a), units_v1);
-        QVERIFY(connection.run(QStringLiteral("sync"), {}, output));
+        QVERIFY(connection.run("sync", {}, output));
         QCOMPARE(GIT_SANDBOX::read(units_a), units_v2);
     }
 
@@ -364,40 +353,37 @@ private slots:
             GIT_SANDBOX::write(target, "changed\n");
         if (!open_as.isEmpty())
             run(a, open_as, {target});
-        const QVector<VCS_ZTAG_RECORD> reverted =
-            records_of(run(a, QStringLiteral("revert"), flags + QStringList{target}));
+        const QVector<VCS_ZTAG_RECORD> reverted = records_of(run(a, "revert", flags + QStringList{target}));
         QCOMPARE(reverted.size(), 1);
-        QCOMPARE(reverted.first().value(QStringLiteral("action")), action);
+        QCOMPARE(reverted.first().value("action"), action);
         QCOMPARE(GIT_SANDBOX::read(target), expected);
-        QVERIFY(records_of(run(a, QStringLiteral("opened"), {})).isEmpty());
+        QVERIFY(records_of(run(a, "opened", {})).isEmpty());
     }
 
     void submit_refuses_out_of_date_and_loses_nothing()
     {
-        const QString notes_a = file(a, QStringLiteral("db/notes.txt"));
-        const QString notes_b = file(b, QStringLiteral("db/notes.txt"));
-        run(a, QStringLiteral("edit"), {notes_a});
+        const QString notes_a = file(a, "db/notes.txt");
+        const QString notes_b = file(b, "db/notes.txt");
+        run(a, "edit", {notes_a});
         GIT_SANDBOX::write(notes_a, "A\nb\nc\nd\ne\n");
-        run(b, QStringLiteral("edit"), {notes_b});
+        run(b, "edit", {notes_b});
         GIT_SANDBOX::write(notes_b, "a\nb\nc\nd\nB\n");
         bool ok = false;
-        run(a, QStringLiteral("submit"), {QStringLiteral("-d"), QStringLiteral("From a")}, &ok);
+        run(a, "submit", {"-d", "From a"}, &ok);
         QVERIFY(ok);
 
-        const QStringList refused =
-            lines_of(run(b, QStringLiteral("submit"), {QStringLiteral("-d"), QStringLiteral("From b")}, &ok));
+        const QStringList refused = lines_of(run(b, "submit", {"-d", "From b"}, &ok));
         QVERIFY(!ok);
         QVERIFY2(refused.join('\n').contains(QLatin1String("Out of date")), qPrintable(refused.join('\n')));
         QCOMPARE(GIT_SANDBOX::read(notes_b), QByteArray("a\nb\nc\nd\nB\n"));
-        QCOMPARE(records_of(run(b, QStringLiteral("opened"), {})).size(), 1);
+        QCOMPARE(records_of(run(b, "opened", {})).size(), 1);
 
-        run(b, QStringLiteral("sync"), {});
-        run(b, QStringLiteral("resolve"), {QStringLiteral("-am")});
+        run(b, "sync", {});
+        run(b, "resolve", {"-am"});
         QCOMPARE(GIT_SANDBOX::read(notes_b), QByteArray("A\nb\nc\nd\nB\n"));
-        const QStringList submitted =
-            lines_of(run(b, QStringLiteral("submit"), {QStringLiteral("-d"), QStringLiteral("From b")}, &ok));
+        const QStringList submitted = lines_of(run(b, "submit", {"-d", "From b"}, &ok));
         QVERIFY2(ok, qPrintable(submitted.join('\n')));
-        run(a, QStringLiteral("sync"), {});
+        run(a, "sync", {});
         QCOMPARE(GIT_SANDBOX::read(notes_a), QByteArray("A\nb\nc\nd\nB\n"));
     }
 
@@ -406,18 +392,17 @@ private slots:
         const QString hook = sandbox->depot() + QStringLiteral("/hooks/pre-receive");
         GIT_SANDBOX::write(hook, "#!/bin/sh\necho 'depot closed for maintenance' >&2\nexit 1\n");
         QFile::setPermissions(hook, QFile::permissions(hook) | QFileDevice::ExeOwner);
-        const QString units_b = file(b, QStringLiteral("db/units.xml"));
-        run(b, QStringLiteral("edit"), {units_b});
+        const QString units_b = file(b, "db/units.xml");
+        run(b, "edit", {units_b});
         GIT_SANDBOX::write(units_b, "mine\n");
         bool ok = true;
-        const QStringList refused = lines_of(
-            run(b, QStringLiteral("submit"), {QStringLiteral("-d"), QStringLiteral("Blocked")}, &ok));
+        const QStringList refused = lines_of(run(b, "submit", {"-d", "Blocked"}, &ok));
         QVERIFY(!ok);
         QVERIFY2(refused.join('\n').contains(QLatin1String("refused")), qPrintable(refused.join('\n')));
         QCOMPARE(GIT_SANDBOX::read(units_b), QByteArray("mine\n"));
-        QCOMPARE(records_of(run(b, QStringLiteral("opened"), {})).size(), 1);
+        QCOMPARE(records_of(run(b, "opened", {})).size(), 1);
         QVERIFY(QFile::remove(hook));
-        run(b, QStringLiteral("submit"), {QStringLiteral("-d"), QStringLiteral("Open again")}, &ok);
+        run(b, "submit", {"-d", "Open again"}, &ok);
         QVERIFY(ok);
     }
 
@@ -453,11 +438,11 @@ private slots:
 
     void status_sees_changes_opened_or_not()
     {
-        GIT_SANDBOX::write(file(a, QStringLiteral("db/units.xml")), "edited\n");
-        GIT_SANDBOX::write(file(a, QStringLiteral("db/new_table.xml")), "<new/>\n");
-        QVERIFY(QFile::remove(file(a, QStringLiteral("db/notes.txt"))));
-        run(a, QStringLiteral("edit"), {file(a, QStringLiteral("db/Veld_validation.xml"))});
-        GIT_SANDBOX::write(file(a, QStringLiteral("outside.txt")), "not in the database\n");
+        GIT_SANDBOX::write(file(a, "db/units.xml"), "edited\n");
+        GIT_SANDBOX::write(file(a, "db/new_table.xml"), "<new/>\n");
+        QVERIFY(QFile::remove(file(a, "db/notes.txt")));
+        run(a, "edit", {file(a, "db/Veld_validation.xml")});
+        GIT_SANDBOX::write(file(a, "outside.txt"), "not in the database\n");
 
         std::unique_ptr<VCS_DEPOT> client = depot(a);
         QString error;
@@ -468,19 +453,16 @@ private slots:
             seen.insert(status.path.mid(a.size() + 1), qMakePair(status.change, status.opened));
         QCOMPARE(seen.size(), 4);
         QCOMPARE(seen.value(QStringLiteral("db/units.xml")), qMakePair(VCS_ACTION::EDIT, VCS_ACTION::NONE));
-        QCOMPARE(seen.value(QStringLiteral("db/new_table.xml")),
-                 qMakePair(VCS_ACTION::ADD, VCS_ACTION::NONE));
+        QCOMPARE(seen.value("db/new_table.xml"), qMakePair(VCS_ACTION::ADD, VCS_ACTION::NONE));
         QCOMPARE(seen.value(QStringLiteral("db/notes.txt")), qMakePair(VCS_ACTION::DELETE, VCS_ACTION::NONE));
-        QCOMPARE(seen.value(QStringLiteral("db/Veld_validation.xml")),
-                 qMakePair(VCS_ACTION::NONE, VCS_ACTION::EDIT));
+        QCOMPARE(seen.value("db/Veld_validation.xml"), qMakePair(VCS_ACTION::NONE, VCS_ACTION::EDIT));
 
         QStringList incoming;
         QVERIFY(client->incoming(error, a + QStringLiteral("/db"), incoming));
         QVERIFY(incoming.isEmpty());
-        QVERIFY(
-            sandbox->push_from_seed(QStringLiteral("db/notes.txt"), "theirs\n", QStringLiteral("Theirs")));
+        QVERIFY(sandbox->push_from_seed("db/notes.txt", "theirs\n", "Theirs"));
         QVERIFY(client->incoming(error, a + QStringLiteral("/db"), incoming));
-        QCOMPARE(incoming, QStringList{file(a, QStringLiteral("db/notes.txt"))});
+        QCOMPARE(incoming, QStringList{file(a, "db/notes.txt")});
         int have = 0;
         int head = 0;
         QVERIFY(client->have_change(error, a + QStringLiteral("/db"), have));
@@ -491,44 +473,35 @@ private slots:
 
     void pending_changelists_are_renumbered_on_submit()
     {
-        const QString units_a = file(a, QStringLiteral("db/units.xml"));
-        const QString form = QStringLiteral("Change:\tnew\n\nDescription:\n\tLocked work\n\tsecond line\n");
-        QStringList created =
-            lines_of(run(a, QStringLiteral("change"), {QStringLiteral("-i")}, nullptr, form));
-        QVERIFY2(created.contains(QStringLiteral("Change 2 created.")), qPrintable(created.join('\n')));
-        run(a, QStringLiteral("edit"), {QStringLiteral("-c"), QStringLiteral("2"), units_a});
+        const QString units_a = file(a, "db/units.xml");
+        const QString form = "Change:\tnew\n\nDescription:\n\tLocked work\n\tsecond line\n";
+        QStringList created = lines_of(run(a, "change", {"-i"}, nullptr, form));
+        QVERIFY2(created.contains("Change 2 created."), qPrintable(created.join('\n')));
+        run(a, "edit", {"-c", "2", units_a});
         GIT_SANDBOX::write(units_a, "locked work\n");
-        const QVector<VCS_ZTAG_RECORD> opened =
-            records_of(run(a, QStringLiteral("opened"), {QStringLiteral("-c"), QStringLiteral("2")}));
+        const QVector<VCS_ZTAG_RECORD> opened = records_of(run(a, "opened", {"-c", "2"}));
         QCOMPARE(opened.size(), 1);
-        QCOMPARE(opened.first().value(QStringLiteral("change")), QStringLiteral("2"));
-        QVERIFY(lines_of(run(a, QStringLiteral("describe"), {QStringLiteral("-s"), QStringLiteral("2")}))
-                    .first()
-                    .contains(QLatin1String("*pending*")));
+        QCOMPARE(opened.first().value("change"), "2");
+        QVERIFY(lines_of(run(a, "describe", {"-s", "2"})).first().contains(QLatin1String("*pending*")));
 
         // Someone else submits first: the pending number is taken.
-        QVERIFY(
-            sandbox->push_from_seed(QStringLiteral("db/notes.txt"), "other\n", QStringLiteral("Other work")));
+        QVERIFY(sandbox->push_from_seed("db/notes.txt", "other\n", "Other work"));
         bool ok = false;
-        const QStringList submitted =
-            lines_of(run(a, QStringLiteral("submit"), {QStringLiteral("-c"), QStringLiteral("2")}, &ok));
+        const QStringList submitted = lines_of(run(a, "submit", {"-c", "2"}, &ok));
         QVERIFY2(ok, qPrintable(submitted.join('\n')));
-        QVERIFY2(submitted.contains(QStringLiteral("Change 2 renamed change 3 and submitted.")),
+        QVERIFY2(submitted.contains("Change 2 renamed change 3 and submitted."),
                  qPrintable(submitted.join('\n')));
-        const QStringList described =
-            lines_of(run(b, QStringLiteral("describe"), {QStringLiteral("-s"), QStringLiteral("3")}));
-        QVERIFY(described.contains(QStringLiteral("\tsecond line")));
+        const QStringList described = lines_of(run(b, "describe", {"-s", "3"}));
+        QVERIFY(described.contains("\tsecond line"));
         // The workspace has the other submit's file at the revision it had.
-        QCOMPARE(GIT_SANDBOX::read(file(a, QStringLiteral("db/notes.txt"))), notes_v1);
-        QVERIFY(records_of(run(a, QStringLiteral("opened"), {})).isEmpty());
+        QCOMPARE(GIT_SANDBOX::read(file(a, "db/notes.txt")), notes_v1);
+        QVERIFY(records_of(run(a, "opened", {})).isEmpty());
     }
 
     void export_at_an_older_change_matches_that_change()
     {
-        QVERIFY(
-            sandbox->push_from_seed(QStringLiteral("db/units.xml"), "<units/>\n", QStringLiteral("Second")));
-        QVERIFY(
-            sandbox->push_from_seed(QStringLiteral("db/added.xml"), "<added/>\n", QStringLiteral("Third")));
+        QVERIFY(sandbox->push_from_seed("db/units.xml", "<units/>\n", "Second"));
+        QVERIFY(sandbox->push_from_seed("db/added.xml", "<added/>\n", "Third"));
         std::unique_ptr<VCS_DEPOT> client = depot(a);
         QString error;
         for (int change : {1, 3})
@@ -542,11 +515,10 @@ private slots:
             QCOMPARE(QFileInfo::exists(target + QStringLiteral("/added.xml")), change == 3);
             QCOMPARE(GIT_SANDBOX::read(target + QStringLiteral("/notes.txt")), notes_v1);
         }
-        QVERIFY(!client->export_files(error, a + QStringLiteral("/db"), 9,
-                                      sandbox->path(QStringLiteral("copy9"))));
+        QVERIFY(!client->export_files(error, a + QStringLiteral("/db"), 9, sandbox->path("copy9")));
         QVERIFY2(error.contains(QLatin1String("unknown")), qPrintable(error));
         // The workspace itself did not move.
-        QCOMPARE(GIT_SANDBOX::read(file(a, QStringLiteral("db/units.xml"))), units_v1);
+        QCOMPARE(GIT_SANDBOX::read(file(a, "db/units.xml")), units_v1);
     }
 };
 

@@ -79,8 +79,7 @@ private:
     std::unique_ptr<VCS_DEPOT> depot()
     {
         QString error;
-        std::unique_ptr<VCS_DEPOT> opened =
-            VCS_DEPOT::open(error, root + QStringLiteral("/db"), QStringLiteral("Orbin"));
+        std::unique_ptr<VCS_DEPOT> opened = VCS_DEPOT::open(error, root + QStringLiteral("/db"), "Orbin");
         if (!opened)
             qWarning().noquote() << error;
         return opened;
@@ -118,16 +117,15 @@ private slots:
 
     void connection_reads_the_client_from_the_server()
     {
-        use(QStringLiteral("edit_ok"));
+        use("edit_ok");
         P4_CONNECTION connection(true, true, false);
         connection.set_start_directory(root + QStringLiteral("/db"));
         QString error;
-        QVERIFY2(connection.connect(error, QStringLiteral("KILN")), qPrintable(error));
+        QVERIFY2(connection.connect(error, "KILN"), qPrintable(error));
         QVERIFY2(calls().isEmpty(), "connecting must not talk to the server");
-        QCOMPARE(connection.backend_name(), QStringLiteral("perforce"));
+        QCOMPARE(connection.backend_name(), "perforce");
         QCOMPARE(connection.get_root(), root);
-        QCOMPARE(calls().last(), (QStringList{QStringLiteral("-zprog=KILN"), QStringLiteral("-ztag"),
-                                              QStringLiteral("info")}));
+        QCOMPARE(calls().last(), (QStringList{"-zprog=KILN", "-ztag", "info"}));
     }
 
     void commands_pass_through_data()
@@ -161,64 +159,58 @@ private slots:
         P4_CONNECTION connection(true, true, false);
         connection.set_start_directory(root);
         QString error;
-        QVERIFY(connection.connect(error, QStringLiteral("Orbin")));
+        QVERIFY(connection.connect(error, "Orbin"));
         QVector<QString> output;
         // Windows separators in a file name still reach the client as one path.
         QString target = root + QLatin1Char('/') + file;
         target.replace(QLatin1Char('/'), QLatin1Char('\\')).replace(0, 1, QLatin1Char('/'));
         QCOMPARE(connection.run(command, {target}, output, QString(), &error), succeeds);
-        QCOMPARE(calls().last(), (QStringList{QStringLiteral("-zprog=Orbin"), QStringLiteral("-ztag"),
-                                              command, root + QLatin1Char('/') + file}));
+        QCOMPARE(calls().last(),
+                 (QStringList{"-zprog=Orbin", "-ztag", command, root + QLatin1Char('/') + file}));
         if (succeeds)
         {
             QVERIFY(error.isEmpty());
             if (command == QLatin1String("edit"))
-                QCOMPARE(output.first(), QStringLiteral("... depotFile //depot/game/raw_data/db/units.xml"));
+                QCOMPARE(output.first(), "... depotFile //depot/game/raw_data/db/units.xml");
         }
         else
         {
-            QCOMPARE(error, QString(last_line).replace(QStringLiteral("@ROOT@"), root));
+            QCOMPARE(error, QString(last_line).replace("@ROOT@", root));
         }
         if (!last_line.isEmpty())
-            QCOMPARE(output.last(), QString(last_line).replace(QStringLiteral("@ROOT@"), root));
+            QCOMPARE(output.last(), QString(last_line).replace("@ROOT@", root));
     }
 
     void describe_reads_from_the_client_root()
     {
-        use(QStringLiteral("describe"));
+        use("describe");
         P4_CONNECTION connection(true, true, false);
         connection.set_start_directory(root);
         QVector<QString> output;
-        QVERIFY(connection.run(QStringLiteral("describe"), {QStringLiteral("-s"), QStringLiteral("4711")},
-                               output));
-        QCOMPARE(calls().first(), (QStringList{QStringLiteral("-ztag"), QStringLiteral("describe"),
-                                               QStringLiteral("-s"), QStringLiteral("4711")}));
-        QCOMPARE(last_call(QStringLiteral("where")),
-                 (QStringList{QStringLiteral("where"),
-                              QStringLiteral("//depot/game/raw_data/UI/army/army_panel.slpui"),
-                              QStringLiteral("//depot/game/raw_data/UI/army/army_panel.slpui.images"),
-                              QStringLiteral("//depot/shared/tools/readme.txt")}));
+        QVERIFY(connection.run("describe", {"-s", "4711"}, output));
+        QCOMPARE(calls().first(), (QStringList{"-ztag", "describe", "-s", "4711"}));
+        QCOMPARE(last_call("where"), (QStringList{"where", "//depot/game/raw_data/UI/army/army_panel.slpui",
+                                                  "//depot/game/raw_data/UI/army/army_panel.slpui.images",
+                                                  "//depot/shared/tools/readme.txt"}));
         const QStringList lines(output.begin(), output.end());
         QVERIFY(lines.first().startsWith(QLatin1String("Change 4711 by carol@carol_ui on ")));
-        QVERIFY(lines.contains(QStringLiteral("\tsecond line of the description")));
-        const QStringList files = lines.mid(lines.indexOf(QStringLiteral("Affected files ...")) + 1);
-        QVERIFY(files.contains(QStringLiteral("//raw_data/UI/army/army_panel.slpui#12 edit")));
-        QVERIFY(files.contains(QStringLiteral("//raw_data/UI/army/army_panel.slpui.images#1 add")));
+        QVERIFY(lines.contains("\tsecond line of the description"));
+        const QStringList files = lines.mid(lines.indexOf("Affected files ...") + 1);
+        QVERIFY(files.contains("//raw_data/UI/army/army_panel.slpui#12 edit"));
+        QVERIFY(files.contains("//raw_data/UI/army/army_panel.slpui.images#1 add"));
         // A file outside the client keeps its depot path.
-        QVERIFY(files.contains(QStringLiteral("//depot/shared/tools/readme.txt#3 edit")));
+        QVERIFY(files.contains("//depot/shared/tools/readme.txt#3 edit"));
 
         // What the layout export makes of a line: "//" becomes the root, cut at "#".
-        const QString line =
-            files.at(files.indexOf(QStringLiteral("//raw_data/UI/army/army_panel.slpui#12 edit")));
-        const QString local = QString(line)
-                                  .replace(QStringLiteral("//"), root + QLatin1Char('/'))
-                                  .section(QLatin1Char('#'), 0, 0);
+        const QString line = files.at(files.indexOf("//raw_data/UI/army/army_panel.slpui#12 edit"));
+        const QString local =
+            QString(line).replace("//", root + QLatin1Char('/')).section(QLatin1Char('#'), 0, 0);
         QCOMPARE(local, root + QStringLiteral("/raw_data/UI/army/army_panel.slpui"));
     }
 
     void revision_helpers_build_the_command_lines()
     {
-        use(QStringLiteral("changes"));
+        use("changes");
         P4_CONNECTION connection(true, true, false);
         connection.set_start_directory(root);
         const QString units = root + QStringLiteral("/db/units.xml");
@@ -227,69 +219,56 @@ private slots:
         QVERIFY2(KOR_DB_PERFORCE::get_changelist_number(error, change, units, connection, true),
                  qPrintable(error));
         QCOMPARE(change, 1520);
-        QCOMPARE(
-            last_call(QStringLiteral("changes")),
-            (QStringList{QStringLiteral("changes"), QStringLiteral("-m1"), units + QStringLiteral("#have")}));
+        QCOMPARE(last_call("changes"), (QStringList{"changes", "-m1", units + QStringLiteral("#have")}));
         QVERIFY(KOR_DB_PERFORCE::get_changelist_number(error, change, units, connection, false));
-        QCOMPARE(last_call(QStringLiteral("changes")),
-                 (QStringList{QStringLiteral("changes"), QStringLiteral("-m1"), QStringLiteral("-s"),
-                              QStringLiteral("submitted"), units}));
+        QCOMPARE(last_call("changes"), (QStringList{"changes", "-m1", "-s", "submitted", units}));
         QVERIFY(KOR_DB_PERFORCE::get_file_changelist_number(change, 3, units, connection));
-        QCOMPARE(
-            last_call(QStringLiteral("changes")),
-            (QStringList{QStringLiteral("changes"), QStringLiteral("-m1"), units + QStringLiteral("#3")}));
+        QCOMPARE(last_call("changes"), (QStringList{"changes", "-m1", units + QStringLiteral("#3")}));
         QVERIFY(KOR_DB_PERFORCE::sync_file_to_revision(connection, units, 3));
-        QCOMPARE(last_call(QStringLiteral("sync")),
-                 (QStringList{QStringLiteral("sync"), units + QStringLiteral("#3")}));
+        QCOMPARE(last_call("sync"), (QStringList{"sync", units + QStringLiteral("#3")}));
     }
 
     void status_joins_opened_and_loose_changes()
     {
-        use(QStringLiteral("status"));
+        use("status");
         std::unique_ptr<VCS_DEPOT> client = depot();
         QVERIFY(client);
-        QCOMPARE(client->backend_name(), QStringLiteral("perforce"));
+        QCOMPARE(client->backend_name(), "perforce");
         QString error;
         QVector<VCS_FILE_STATUS> changes;
         QVERIFY2(client->status(error, root + QStringLiteral("/db"), changes), qPrintable(error));
         const QString file_arg = root + QStringLiteral("/db/...");
-        QCOMPARE(last_call(QStringLiteral("fstat")),
-                 (QStringList{QStringLiteral("fstat"), QStringLiteral("-Ro"), file_arg}));
-        QCOMPARE(last_call(QStringLiteral("diff")),
-                 (QStringList{QStringLiteral("diff"), QStringLiteral("-sr"), file_arg}));
-        QCOMPARE(last_call(QStringLiteral("reconcile")),
-                 (QStringList{QStringLiteral("reconcile"), QStringLiteral("-n"), file_arg}));
+        QCOMPARE(last_call("fstat"), (QStringList{"fstat", "-Ro", file_arg}));
+        QCOMPARE(last_call("diff"), (QStringList{"diff", "-sr", file_arg}));
+        QCOMPARE(last_call("reconcile"), (QStringList{"reconcile", "-n", file_arg}));
         QMap<QString, VCS_FILE_STATUS> by_name;
         for (const VCS_FILE_STATUS& status : changes)
             by_name.insert(QFileInfo(status.path).fileName(), status);
-        QCOMPARE(by_name.keys(), (QStringList{QStringLiteral("heroes.xml"), QStringLiteral("new_table.xml"),
-                                              QStringLiteral("old.xml"), QStringLiteral("spells.xml"),
-                                              QStringLiteral("units.xml")}));
-        QCOMPARE(by_name.value(QStringLiteral("units.xml")).change, VCS_ACTION::NONE); // opened, unchanged
-        QCOMPARE(by_name.value(QStringLiteral("units.xml")).opened, VCS_ACTION::EDIT);
-        QCOMPARE(by_name.value(QStringLiteral("spells.xml")).change, VCS_ACTION::EDIT);
-        QCOMPARE(by_name.value(QStringLiteral("spells.xml")).opened_change, 1600);
-        QVERIFY(by_name.value(QStringLiteral("spells.xml")).unresolved);
-        QCOMPARE(by_name.value(QStringLiteral("new_table.xml")).change, VCS_ACTION::ADD);
-        QCOMPARE(by_name.value(QStringLiteral("heroes.xml")).change, VCS_ACTION::EDIT);
-        QCOMPARE(by_name.value(QStringLiteral("heroes.xml")).opened, VCS_ACTION::NONE);
-        QCOMPARE(by_name.value(QStringLiteral("old.xml")).change, VCS_ACTION::DELETE);
-        QCOMPARE(by_name.value(QStringLiteral("old.xml")).path, root + QStringLiteral("/db/old.xml"));
+        QCOMPARE(by_name.keys(),
+                 (QStringList{"heroes.xml", "new_table.xml", "old.xml", "spells.xml", "units.xml"}));
+        QCOMPARE(by_name.value("units.xml").change, VCS_ACTION::NONE); // opened, unchanged
+        QCOMPARE(by_name.value("units.xml").opened, VCS_ACTION::EDIT);
+        QCOMPARE(by_name.value("spells.xml").change, VCS_ACTION::EDIT);
+        QCOMPARE(by_name.value("spells.xml").opened_change, 1600);
+        QVERIFY(by_name.value("spells.xml").unresolved);
+        QCOMPARE(by_name.value("new_table.xml").change, VCS_ACTION::ADD);
+        QCOMPARE(by_name.value("heroes.xml").change, VCS_ACTION::EDIT);
+        QCOMPARE(by_name.value("heroes.xml").opened, VCS_ACTION::NONE);
+        QCOMPARE(by_name.value("old.xml").change, VCS_ACTION::DELETE);
+        QCOMPARE(by_name.value("old.xml").path, root + QStringLiteral("/db/old.xml"));
     }
 
     void unresolved_files_give_readable_revisions()
     {
-        use(QStringLiteral("resolve"));
+        use("resolve");
         std::unique_ptr<VCS_DEPOT> client = depot();
         QString error;
         QVector<VCS_UNRESOLVED> open_resolves;
         QVERIFY2(client->unresolved(error, root + QStringLiteral("/db"), open_resolves), qPrintable(error));
         QCOMPARE(open_resolves.size(), 1);
         QCOMPARE(open_resolves.first().path, root + QStringLiteral("/db/spells.xml"));
-        QCOMPARE(open_resolves.first().base_revision,
-                 QStringLiteral("//depot/game/raw_data/db/spells.xml#3"));
-        QCOMPARE(open_resolves.first().their_revision,
-                 QStringLiteral("//depot/game/raw_data/db/spells.xml#5"));
+        QCOMPARE(open_resolves.first().base_revision, "//depot/game/raw_data/db/spells.xml#3");
+        QCOMPARE(open_resolves.first().their_revision, "//depot/game/raw_data/db/spells.xml#5");
         QByteArray content;
         bool exists = false;
         QVERIFY(client->read_file(error, open_resolves.first().path, open_resolves.first().base_revision,
@@ -297,66 +276,58 @@ private slots:
         QVERIFY(exists);
         QCOMPARE(content, QByteArray("spells as of revision 3\n"));
         // The content comes untagged, exactly as the depot holds it.
-        QCOMPARE(last_call(QStringLiteral("print")),
-                 (QStringList{QStringLiteral("print"), QStringLiteral("-q"),
-                              QStringLiteral("//depot/game/raw_data/db/spells.xml#3")}));
+        QCOMPARE(last_call("print"), (QStringList{"print", "-q", "//depot/game/raw_data/db/spells.xml#3"}));
     }
 
     void lock_held_by_another_is_refused()
     {
-        use(QStringLiteral("lock_held"));
+        use("lock_held");
         std::unique_ptr<VCS_DEPOT> client = depot();
         QString error;
         QVERIFY(!client->lock(error, root + QStringLiteral("/db")));
         QVERIFY2(error.contains(QLatin1String("locked by bob (workspace bob_ws")), qPrintable(error));
-        QCOMPARE(last_call(QStringLiteral("opened")),
-                 (QStringList{QStringLiteral("opened"), QStringLiteral("-a"),
-                              root + QStringLiteral("/db/orbin.lock")}));
+        QCOMPARE(last_call("opened"), (QStringList{"opened", "-a", root + QStringLiteral("/db/orbin.lock")}));
         QVERIFY(!client->unlock(error, root + QStringLiteral("/db")));
         QVERIFY2(error.contains(QLatin1String("not released")), qPrintable(error));
-        QVERIFY(last_call(QStringLiteral("revert")).isEmpty());
+        QVERIFY(last_call("revert").isEmpty());
     }
 
     void lock_is_an_exclusive_open()
     {
-        use(QStringLiteral("lock_free"));
+        use("lock_free");
         std::unique_ptr<VCS_DEPOT> client = depot();
         QString error;
         QVERIFY2(client->lock(error, root + QStringLiteral("/db")), qPrintable(error));
         const QString lock_file = root + QStringLiteral("/db/orbin.lock");
-        QCOMPARE(last_call(QStringLiteral("edit")), (QStringList{QStringLiteral("edit"), QStringLiteral("-t"),
-                                                                 QStringLiteral("text+l"), lock_file}));
+        QCOMPARE(last_call("edit"), (QStringList{"edit", "-t", "text+l", lock_file}));
         VCS_LOCK_INFO holder;
         QVERIFY(client->lock_holder(error, root + QStringLiteral("/db"), holder));
         QVERIFY(holder.held);
-        QCOMPARE(holder.workspace, QStringLiteral("alice_ws"));
+        QCOMPARE(holder.workspace, "alice_ws");
         QVERIFY2(client->unlock(error, root + QStringLiteral("/db")), qPrintable(error));
-        QCOMPARE(last_call(QStringLiteral("revert")), (QStringList{QStringLiteral("revert"), lock_file}));
+        QCOMPARE(last_call("revert"), (QStringList{"revert", lock_file}));
     }
 
     void submit_goes_through_a_numbered_change()
     {
-        use(QStringLiteral("submit"));
+        use("submit");
         std::unique_ptr<VCS_DEPOT> client = depot();
         QString error;
         int change = 0;
-        QVERIFY2(client->new_change(error, QStringLiteral("Locked for submit"), change), qPrintable(error));
+        QVERIFY2(client->new_change(error, "Locked for submit", change), qPrintable(error));
         QCOMPARE(change, 1601);
-        const QString form = input_of(QStringLiteral("change"), 2);
+        const QString form = input_of("change", 2);
         QVERIFY2(form.contains(QLatin1String("Description:\n\tLocked for submit\n")), qPrintable(form));
         QVERIFY2(!form.contains(QLatin1String("\nFiles:")),
                  "the default changelist's files stay where they are");
         QVERIFY(client->open(error, {root + QStringLiteral("/db/units.xml")}, VCS_ACTION::EDIT, change));
-        QCOMPARE(last_call(QStringLiteral("edit")),
-                 (QStringList{QStringLiteral("edit"), QStringLiteral("-c"), QStringLiteral("1601"),
-                              root + QStringLiteral("/db/units.xml")}));
+        QCOMPARE(last_call("edit"),
+                 (QStringList{"edit", "-c", "1601", root + QStringLiteral("/db/units.xml")}));
         int submitted = 0;
-        QVERIFY2(client->submit(error, change, QStringLiteral("Balance pass"), submitted), qPrintable(error));
+        QVERIFY2(client->submit(error, change, "Balance pass", submitted), qPrintable(error));
         QCOMPARE(submitted, 1602);
-        QVERIFY(
-            input_of(QStringLiteral("change"), 4).contains(QLatin1String("Description:\n\tBalance pass\n")));
-        QCOMPARE(last_call(QStringLiteral("submit")),
-                 (QStringList{QStringLiteral("submit"), QStringLiteral("-c"), QStringLiteral("1601")}));
+        QVERIFY(input_of("change", 4).contains(QLatin1String("Description:\n\tBalance pass\n")));
+        QCOMPARE(last_call("submit"), (QStringList{"submit", "-c", "1601"}));
     }
 
     void operations_run_these_command_lines_data()
@@ -377,7 +348,7 @@ private slots:
     {
         QFETCH(QString, operation);
         QFETCH(QStringList, expected);
-        use(QStringLiteral("sequences"));
+        use("sequences");
         std::unique_ptr<VCS_DEPOT> client = depot();
         const QString db = root + QStringLiteral("/db");
         QString error;
@@ -407,7 +378,7 @@ private slots:
                 call.removeFirst();
             made.append(call.join(QLatin1Char(' ')));
         }
-        QCOMPARE(made, expected.replaceInStrings(QStringLiteral("@ROOT@"), root));
+        QCOMPARE(made, expected.replaceInStrings("@ROOT@", root));
     }
 
     void missing_client_program_is_a_clear_error()

@@ -64,20 +64,20 @@ private slots:
     void records_written_read_back_the_same()
     {
         VCS_ZTAG_RECORD first;
-        first.set(QStringLiteral("change"), 12);
-        first.set(QStringLiteral("desc"), QStringLiteral("Two\nlines\n"));
-        first.set(QStringLiteral("status"), QStringLiteral("submitted"));
+        first.set("change", 12);
+        first.set("desc", "Two\nlines\n");
+        first.set("status", "submitted");
         VCS_ZTAG_RECORD second;
-        second.set(QStringLiteral("change"), 11);
-        second.set(QStringLiteral("desc"), QStringLiteral("One\n"));
+        second.set("change", 11);
+        second.set("desc", "One\n");
         const QStringList lines = VCS_ZTAG_RECORD::to_lines({first, second});
-        QCOMPARE(lines.first(), QStringLiteral("... change 12"));
+        QCOMPARE(lines.first(), "... change 12");
         const QVector<VCS_ZTAG_RECORD> parsed = VCS_ZTAG_RECORD::parse(lines);
         QCOMPARE(parsed.size(), 2);
-        QCOMPARE(parsed.at(0).value(QStringLiteral("desc")), QStringLiteral("Two\nlines"));
-        QCOMPARE(parsed.at(0).value(QStringLiteral("status")), QStringLiteral("submitted"));
-        QCOMPARE(parsed.at(1).int_value(QStringLiteral("change")), 11);
-        QCOMPARE(parsed.at(1).int_value(QStringLiteral("missing"), -1), -1);
+        QCOMPARE(parsed.at(0).value("desc"), "Two\nlines");
+        QCOMPARE(parsed.at(0).value("status"), "submitted");
+        QCOMPARE(parsed.at(1).int_value("change"), 11);
+        QCOMPARE(parsed.at(1).int_value("missing", -1), -1);
     }
 
     void file_arguments_data()
@@ -155,8 +155,7 @@ private slots:
         QFETCH(QString, not_matching);
         VCS_FILE_ARGUMENT file_arg;
         QString error;
-        QVERIFY2(file_arg.parse(error, text, QStringLiteral("/ws"), QStringLiteral("/ws")),
-                 qPrintable(error));
+        QVERIFY2(file_arg.parse(error, text, "/ws", "/ws"), qPrintable(error));
         QCOMPARE(file_arg.relative_pattern(), pattern);
         QCOMPARE(int(file_arg.revision_kind()), kind);
         QCOMPARE(file_arg.revision_number(), number);
@@ -191,7 +190,7 @@ private slots:
         QFETCH(QString, message);
         VCS_FILE_ARGUMENT file_arg;
         QString error;
-        QVERIFY(!file_arg.parse(error, text, QStringLiteral("/ws"), QStringLiteral("/ws")));
+        QVERIFY(!file_arg.parse(error, text, "/ws", "/ws"));
         QVERIFY2(error.contains(message), qPrintable(error));
     }
 
@@ -221,41 +220,39 @@ private slots:
         QFETCH(QStringList, flags);
         QFETCH(QString, change);
         QFETCH(QStringList, files);
-        const VCS_GIT_VERBS::ARGUMENTS parsed = VCS_GIT_VERBS::parse(arguments, {QStringLiteral("-c")});
+        const VCS_GIT_VERBS::ARGUMENTS parsed = VCS_GIT_VERBS::parse(arguments, {"-c"});
         QVERIFY(parsed.error.isEmpty());
         QStringList seen = parsed.flags.values();
         seen.sort();
         QCOMPARE(seen, flags);
-        QCOMPARE(parsed.values.value(QStringLiteral("-c")), change);
+        QCOMPARE(parsed.values.value("-c"), change);
         QCOMPARE(parsed.files, files);
-        QVERIFY(!VCS_GIT_VERBS::parse({QStringLiteral("-c")}, {QStringLiteral("-c")}).error.isEmpty());
+        QVERIFY(!VCS_GIT_VERBS::parse({"-c"}, {"-c"}).error.isEmpty());
     }
 
     void describe_shape()
     {
         VCS_CHANGE_INFO change;
         change.number = 42;
-        change.user = QStringLiteral("dana");
-        change.workspace = QStringLiteral("dana_ws");
-        change.status = QStringLiteral("submitted");
+        change.user = "dana";
+        change.workspace = "dana_ws";
+        change.status = "submitted";
         change.time = QDateTime(QDate(2024, 3, 5), QTime(9, 8, 7));
-        change.description = QStringLiteral("Fix the army panel\nand its icons");
-        change.files.append(VCS_CHANGE_FILE{QStringLiteral("//raw_data/UI/army.slpui"), QString(), 4,
-                                            QStringLiteral("edit")});
-        change.files.append(
-            VCS_CHANGE_FILE{QStringLiteral("//raw_data/UI/new.slpui"), QString(), 1, QStringLiteral("add")});
-        const QStringList expected{QStringLiteral("Change 42 by dana@dana_ws on 2024/03/05 09:08:07"),
+        change.description = "Fix the army panel\nand its icons";
+        change.files.append(VCS_CHANGE_FILE{"//raw_data/UI/army.slpui", QString(), 4, "edit"});
+        change.files.append(VCS_CHANGE_FILE{"//raw_data/UI/new.slpui", QString(), 1, "add"});
+        const QStringList expected{"Change 42 by dana@dana_ws on 2024/03/05 09:08:07",
                                    QString(),
-                                   QStringLiteral("\tFix the army panel"),
-                                   QStringLiteral("\tand its icons"),
+                                   "\tFix the army panel",
+                                   "\tand its icons",
                                    QString(),
-                                   QStringLiteral("Affected files ..."),
+                                   "Affected files ...",
                                    QString(),
-                                   QStringLiteral("//raw_data/UI/army.slpui#4 edit"),
-                                   QStringLiteral("//raw_data/UI/new.slpui#1 add"),
+                                   "//raw_data/UI/army.slpui#4 edit",
+                                   "//raw_data/UI/new.slpui#1 add",
                                    QString()};
         QCOMPARE(VCS_DEPOT::describe_lines(change), expected);
-        change.status = QStringLiteral("pending");
+        change.status = "pending";
         QVERIFY(VCS_DEPOT::describe_lines(change).first().contains(QLatin1String("dana_ws *pending* on")));
     }
 };

@@ -22,9 +22,9 @@ std::unique_ptr<KOR_TABLE_SCHEMA> units_schema()
                           QString(), QString(), false, false, false);
         schema->add_field_schema(field);
     };
-    add(true, QStringLiteral("key"), KFT_TEXT);
-    add(false, QStringLiteral("hp"), KFT_INTEGER);
-    add(false, QStringLiteral("name"), KFT_TEXT);
+    add(true, "key", KFT_TEXT);
+    add(false, "hp", KFT_INTEGER);
+    add(false, "name", KFT_TEXT);
     return schema;
 }
 
@@ -72,7 +72,7 @@ private slots:
         QTest::addColumn<QString>("theirs");
         QTest::addColumn<QString>("merged");
         QTest::addColumn<int>("conflicts");
-        const QString one = QStringLiteral("key=archer;hp=1;name=A");
+        const QString one = "key=archer;hp=1;name=A";
         QTest::newRow("untouched") << one << one << one << one << 0;
         QTest::newRow("their edit is taken") << one << one << "key=archer;hp=2;name=A"
                                              << "key=archer;hp=2;name=A" << 0;
@@ -118,20 +118,19 @@ private slots:
         add_record(their_table, uuid, theirs);
         // A record nobody touched rides along unchanged.
         for (KOR_TABLE_DATA* table : {&base_table, &your_table, &their_table})
-            add_record(*table, bystander, QStringLiteral("key=zealot;hp=9;name=Z"));
+            add_record(*table, bystander, "key=zealot;hp=9;name=Z");
 
         KOR_RECORD_MERGE::RESULT result;
         QString error;
         QVERIFY2(KOR_RECORD_MERGE::merge(error, schema.get(), &base_table, your_table, their_table, result),
                  qPrintable(error));
         QCOMPARE(describe(result.merged->record_by_uuid(uuid)), merged);
-        QCOMPARE(describe(result.merged->record_by_uuid(bystander)),
-                 QStringLiteral("key=zealot;hp=9;name=Z"));
+        QCOMPARE(describe(result.merged->record_by_uuid(bystander)), "key=zealot;hp=9;name=Z");
         QCOMPARE(result.merged->record_count(), merged.isEmpty() ? 1 : 2);
         QCOMPARE(result.conflicts.size(), conflicts);
         if (conflicts > 0)
         {
-            QCOMPARE(result.conflicts.first().key, QStringLiteral("archer"));
+            QCOMPARE(result.conflicts.first().key, "archer");
             QVERIFY(!result.conflicts.first().resolution.isEmpty());
         }
         // The inputs are left as they were.
@@ -145,18 +144,18 @@ private slots:
         KOR_TABLE_DATA base_table(schema.get());
         KOR_TABLE_DATA your_table(schema.get());
         KOR_TABLE_DATA their_table(schema.get());
-        add_record(base_table, uuid, QStringLiteral("key=archer;hp=1"));
-        add_record(your_table, uuid, QStringLiteral("key=archer;hp=5"));
-        add_record(their_table, uuid, QStringLiteral("key=archer;hp=6"));
+        add_record(base_table, uuid, "key=archer;hp=1");
+        add_record(your_table, uuid, "key=archer;hp=5");
+        add_record(their_table, uuid, "key=archer;hp=6");
         KOR_RECORD_MERGE::RESULT result;
         QString error;
         QVERIFY(KOR_RECORD_MERGE::merge(error, schema.get(), &base_table, your_table, their_table, result));
         QCOMPARE(result.conflicts.size(), 1);
         const KOR_RECORD_MERGE::CONFLICT& conflict = result.conflicts.first();
-        QCOMPARE(conflict.field, QStringLiteral("hp"));
-        QCOMPARE(conflict.base_text, QStringLiteral("1"));
-        QCOMPARE(conflict.your_text, QStringLiteral("5"));
-        QCOMPARE(conflict.their_text, QStringLiteral("6"));
+        QCOMPARE(conflict.field, "hp");
+        QCOMPARE(conflict.base_text, "1");
+        QCOMPARE(conflict.your_text, "5");
+        QCOMPARE(conflict.their_text, "6");
     }
 
     void one_key_for_two_records_fails()
@@ -165,8 +164,8 @@ private slots:
         KOR_TABLE_DATA base_table(schema.get());
         KOR_TABLE_DATA your_table(schema.get());
         KOR_TABLE_DATA their_table(schema.get());
-        add_record(your_table, QUuid::createUuid(), QStringLiteral("key=archer;hp=1"));
-        add_record(their_table, QUuid::createUuid(), QStringLiteral("key=archer;hp=2"));
+        add_record(your_table, QUuid::createUuid(), "key=archer;hp=1");
+        add_record(their_table, QUuid::createUuid(), "key=archer;hp=2");
         KOR_RECORD_MERGE::RESULT result;
         QString error;
         QVERIFY(!KOR_RECORD_MERGE::merge(error, schema.get(), &base_table, your_table, their_table, result));
@@ -180,14 +179,14 @@ private slots:
         const QUuid uuid = QUuid::createUuid();
         KOR_TABLE_DATA your_table(schema.get());
         KOR_TABLE_DATA their_table(schema.get());
-        add_record(your_table, uuid, QStringLiteral("key=archer;hp=1"));
-        add_record(their_table, uuid, QStringLiteral("key=archer;hp=2"));
-        add_record(their_table, QUuid::createUuid(), QStringLiteral("key=bowman;hp=3"));
+        add_record(your_table, uuid, "key=archer;hp=1");
+        add_record(their_table, uuid, "key=archer;hp=2");
+        add_record(their_table, QUuid::createUuid(), "key=bowman;hp=3");
         KOR_RECORD_MERGE::RESULT result;
         QString error;
         QVERIFY(KOR_RECORD_MERGE::merge(error, schema.get(), nullptr, your_table, their_table, result));
         QCOMPARE(result.merged->record_count(), 2);
-        QCOMPARE(describe(result.merged->record_by_uuid(uuid)), QStringLiteral("key=archer;hp=1"));
+        QCOMPARE(describe(result.merged->record_by_uuid(uuid)), "key=archer;hp=1");
         QCOMPARE(result.conflicts.size(), 1);
     }
 };

@@ -1,7 +1,7 @@
 // Merging two workspaces of one depot through the engine: databases built
 // and edited with the engine's own operations.
 
-#include "../vcs/git_sandbox.h"
+#include "git_sandbox.h"
 
 #include "test_database_builder.h"
 
@@ -16,7 +16,7 @@
 
 namespace
 {
-const QString units = QStringLiteral("units");
+const QString units = "units";
 
 // Runs one change of a record through a connected interface.
 bool change_database(const QString& db, const std::function<QString(KOR_XML_QUERY_INTERFACE&)>& change)
@@ -54,8 +54,8 @@ bool set_value(const QString& db, const QString& key, const QString& field, cons
 bool add_unit(const QString& db, const QString& key, int hp)
 {
     return change_database(db, [&](KOR_XML_QUERY_INTERFACE& query) {
-        const auto record = TEST_DATABASE_BUILDER::make_record(
-            query.get_table_schema(units), {{QStringLiteral("key"), key}, {QStringLiteral("hp"), hp}});
+        const auto record =
+            TEST_DATABASE_BUILDER::make_record(query.get_table_schema(units), {{"key", key}, {"hp", hp}});
         return query.add_record(units, record.get());
     });
 }
@@ -64,12 +64,12 @@ QString value(const QString& db, const QString& key, const QString& field)
 {
     KOR_XML_QUERY_INTERFACE query(nullptr, QString(), false, false);
     if (!query.connect_without_merge(db, false).isEmpty())
-        return QStringLiteral("<no database>");
+        return "<no database>";
     QString error;
     const KOR_TABLE_DATA* table = query.get_table_data(error, units);
     const KOR_RECORD_DATA* record = table ? table->record_by_key(key) : nullptr;
     const KOR_FIELD_DATA* data = record ? record->get_field_data(field) : nullptr;
-    const QString text = data ? data->value_text() : QStringLiteral("<none>");
+    const QString text = data ? data->value_text() : "<none>";
     query.disconnect();
     return text;
 }
@@ -106,7 +106,7 @@ private:
 private slots:
     void initTestCase()
     {
-        if (QStandardPaths::findExecutable(QStringLiteral("git")).isEmpty())
+        if (!GIT_SANDBOX::available())
             QSKIP("git is not installed");
     }
 
@@ -118,32 +118,24 @@ private slots:
         {
             TEST_DATABASE_BUILDER builder(sandbox->seed() + QStringLiteral("/raw_data/db"));
             builder
-                .table(units, {TEST_FIELD::key(QStringLiteral("key")),
-                               TEST_FIELD::plain(QStringLiteral("hp"), KFT_INTEGER),
-                               TEST_FIELD::plain(QStringLiteral("name"), KFT_TEXT)})
-                .record(units, {{QStringLiteral("key"), QStringLiteral("archer")},
-                                {QStringLiteral("hp"), 10},
-                                {QStringLiteral("name"), QStringLiteral("Archer")}})
-                .record(units, {{QStringLiteral("key"), QStringLiteral("knight")},
-                                {QStringLiteral("hp"), 30},
-                                {QStringLiteral("name"), QStringLiteral("Knight")}});
+                .table(units, {TEST_FIELD::key("key"), TEST_FIELD::plain("hp", KFT_INTEGER),
+                               TEST_FIELD::plain("name", KFT_TEXT)})
+                .record(units, {{"key", "archer"}, {"hp", 10}, {"name", "Archer"}})
+                .record(units, {{"key", "knight"}, {"hp", 30}, {"name", "Knight"}});
             QVERIFY2(builder.ok(), qPrintable(builder.error()));
         }
-        QVERIFY(sandbox->publish_seed(QStringLiteral("The database")));
-        a_db = QFileInfo(sandbox->clone(QStringLiteral("a"))).canonicalFilePath() +
-               QStringLiteral("/raw_data/db");
-        b_db = QFileInfo(sandbox->clone(QStringLiteral("b"))).canonicalFilePath() +
-               QStringLiteral("/raw_data/db");
+        QVERIFY(sandbox->publish_seed("The database"));
+        a_db = QFileInfo(sandbox->clone("a")).canonicalFilePath() + "/raw_data/db";
+        b_db = QFileInfo(sandbox->clone("b")).canonicalFilePath() + "/raw_data/db";
     }
 
     void cleanup() { sandbox.reset(); }
 
     void edits_to_different_records_merge_cleanly()
     {
-        QVERIFY(set_value(a_db, QStringLiteral("archer"), QStringLiteral("hp"), 20));
-        QVERIFY(submit(a_db, QStringLiteral("Stronger archers")));
-        QVERIFY(
-            set_value(b_db, QStringLiteral("knight"), QStringLiteral("name"), QStringLiteral("Sir Knight")));
+        QVERIFY(set_value(a_db, "archer", "hp", 20));
+        QVERIFY(submit(a_db, "Stronger archers"));
+        QVERIFY(set_value(b_db, "knight", "name", "Sir Knight"));
 
         KOR_XML_QUERY_INTERFACE query(nullptr, QString(), false, false);
         QVERIFY(!query.have_latest(b_db));
@@ -156,32 +148,32 @@ private slots:
         QSet<QString> touched;
         query.get_locally_edited_tables_edited_during_merge(touched);
         QCOMPARE(touched, QSet<QString>{units});
-        QCOMPARE(value(b_db, QStringLiteral("archer"), QStringLiteral("hp")), QStringLiteral("20"));
-        QCOMPARE(value(b_db, QStringLiteral("knight"), QStringLiteral("name")), QStringLiteral("Sir Knight"));
+        QCOMPARE(value(b_db, "archer", "hp"), "20");
+        QCOMPARE(value(b_db, "knight", "name"), "Sir Knight");
         QVERIFY(query.have_latest(b_db));
         QVERIFY(!query.is_merge_required(b_db));
 
         // The merged work goes in, and the other side sees both edits.
-        QVERIFY(submit(b_db, QStringLiteral("Knights are sirs")));
+        QVERIFY(submit(b_db, "Knights are sirs"));
         QVERIFY(query.basic_merge(error, a_db, KOR_QUERY_INTERFACE::GET_LATEST_MODE(0), false));
         query.get_locally_edited_tables_edited_during_merge(touched);
         QVERIFY(touched.isEmpty());
-        QCOMPARE(value(a_db, QStringLiteral("knight"), QStringLiteral("name")), QStringLiteral("Sir Knight"));
-        QCOMPARE(value(a_db, QStringLiteral("archer"), QStringLiteral("hp")), QStringLiteral("20"));
+        QCOMPARE(value(a_db, "knight", "name"), "Sir Knight");
+        QCOMPARE(value(a_db, "archer", "hp"), "20");
     }
 
     void the_same_field_on_both_sides_keeps_the_local_value()
     {
-        QVERIFY(set_value(a_db, QStringLiteral("archer"), QStringLiteral("hp"), 30));
-        QVERIFY(submit(a_db, QStringLiteral("Their value")));
-        QVERIFY(set_value(b_db, QStringLiteral("archer"), QStringLiteral("hp"), 40));
+        QVERIFY(set_value(a_db, "archer", "hp", 30));
+        QVERIFY(submit(a_db, "Their value"));
+        QVERIFY(set_value(b_db, "archer", "hp", 40));
         KOR_XML_QUERY_INTERFACE query(nullptr, QString(), false, false);
         QSignalSpy lines(&query, SIGNAL(mergeUpdate(QString)));
         QString error;
         QVERIFY2(query.merge_for_checkin(error, b_db, KOR_QUERY_INTERFACE::GET_LATEST_MODE(2),
-                                         QStringLiteral("Database Editor"), QString()),
+                                         "Database Editor", QString()),
                  qPrintable(error));
-        QCOMPARE(value(b_db, QStringLiteral("archer"), QStringLiteral("hp")), QStringLiteral("40"));
+        QCOMPARE(value(b_db, "archer", "hp"), "40");
         const QString reported = lines_of(lines).join('\n');
         QVERIFY2(
             reported.contains(QLatin1String(
@@ -202,9 +194,9 @@ private slots:
 
     void a_key_added_on_both_sides_is_left_for_a_hand_merge()
     {
-        QVERIFY(add_unit(a_db, QStringLiteral("bowman"), 5));
-        QVERIFY(submit(a_db, QStringLiteral("Bowmen")));
-        QVERIFY(add_unit(b_db, QStringLiteral("bowman"), 7));
+        QVERIFY(add_unit(a_db, "bowman", 5));
+        QVERIFY(submit(a_db, "Bowmen"));
+        QVERIFY(add_unit(b_db, "bowman", 7));
         const QByteArray before = GIT_SANDBOX::read(b_db + QStringLiteral("/units.xml"));
         KOR_XML_QUERY_INTERFACE query(nullptr, QString(), false, false);
         QString error;
@@ -215,13 +207,13 @@ private slots:
         QCOMPARE(GIT_SANDBOX::read(b_db + QStringLiteral("/units.xml")), before);
         QVERIFY(query.is_merge_required(b_db));
         QVERIFY(!query.merge_for_checkin(error, b_db, KOR_QUERY_INTERFACE::GET_LATEST_MODE(2),
-                                         QStringLiteral("Database Editor"), QString()));
+                                         "Database Editor", QString()));
     }
 
     void changed_fields_are_the_local_changes_of_a_table()
     {
-        QVERIFY(set_value(b_db, QStringLiteral("archer"), QStringLiteral("hp"), 11));
-        QVERIFY(add_unit(b_db, QStringLiteral("bowman"), 7));
+        QVERIFY(set_value(b_db, "archer", "hp", 11));
+        QVERIFY(add_unit(b_db, "bowman", 7));
         KOR_XML_QUERY_INTERFACE query(nullptr, QString(), false, false);
         QVERIFY(query.changed_fields(units).isEmpty()); // never connected
         QVERIFY(query.connect_without_merge(b_db, false).isEmpty());
@@ -230,20 +222,20 @@ private slots:
         QVERIFY(table);
         const KOR_CHANGED_FIELDS changes = query.changed_fields(units);
         QCOMPARE(changes.size(), 2);
-        QCOMPARE(changes.value(table->record_by_key(QStringLiteral("archer"))->uuid()),
+        QCOMPARE(changes.value(table->record_by_key("archer")->uuid()),
                  (QList<QPair<QString, int>>{qMakePair(QStringLiteral("hp"), 2)}));
-        QCOMPARE(changes.value(table->record_by_key(QStringLiteral("bowman"))->uuid()),
+        QCOMPARE(changes.value(table->record_by_key("bowman")->uuid()),
                  (QList<QPair<QString, int>>{qMakePair(QString(), 0)}));
-        QVERIFY(query.changed_fields(QStringLiteral("no_such_table")).isEmpty());
+        QVERIFY(query.changed_fields("no_such_table").isEmpty());
         query.disconnect();
     }
 
     void a_copy_at_an_older_change_opens_for_the_diff()
     {
-        QVERIFY(set_value(a_db, QStringLiteral("archer"), QStringLiteral("hp"), 99));
-        QVERIFY(submit(a_db, QStringLiteral("Change 2")));
+        QVERIFY(set_value(a_db, "archer", "hp", 99));
+        QVERIFY(submit(a_db, "Change 2"));
         KOR_XML_QUERY_INTERFACE maker(nullptr, QString(), false, false);
-        const QString copy = maker.create_db_copy_for_diff(a_db, QStringLiteral("1"));
+        const QString copy = maker.create_db_copy_for_diff(a_db, "1");
         QVERIFY(!copy.isEmpty());
         KOR_XML_QUERY_INTERFACE diff(nullptr, QString(), false, false);
         const QString error = diff.connect_for_diff(copy);
@@ -252,16 +244,13 @@ private slots:
         QString read_error;
         const KOR_TABLE_DATA* table = diff.get_table_data(read_error, units);
         QVERIFY(table);
-        QCOMPARE(table->record_by_key(QStringLiteral("archer"))
-                     ->get_field_data(QStringLiteral("hp"))
-                     ->value_text(),
-                 QStringLiteral("10"));
+        QCOMPARE(table->record_by_key("archer")->get_field_data("hp")->value_text(), "10");
         diff.disconnect();
     }
 
     void without_a_depot_a_merge_only_says_so()
     {
-        const QString plain = sandbox->path(QStringLiteral("plain/db"));
+        const QString plain = sandbox->path("plain/db");
         QVERIFY(QDir().mkpath(QFileInfo(plain).absolutePath()));
         QVERIFY(QFile::rename(sandbox->seed() + QStringLiteral("/raw_data/db"), plain));
         KOR_XML_QUERY_INTERFACE query(nullptr, QString(), false, false);
@@ -271,7 +260,7 @@ private slots:
         QVERIFY(
             lines_of(lines).join('\n').contains(QLatin1String("not in a workspace under version control")));
         QVERIFY(!query.merge_for_checkin(error, plain, KOR_QUERY_INTERFACE::GET_LATEST_MODE(2),
-                                         QStringLiteral("Database Editor"), QString()));
+                                         "Database Editor", QString()));
         // Mirrors and other interfaces connect through a merge: they still connect.
         QVERIFY(query.connect(plain, QString(), KOR_QUERY_INTERFACE::GET_LATEST_MODE(2), false).isEmpty());
         QVERIFY(
@@ -281,7 +270,7 @@ private slots:
 
     void an_unreachable_depot_leaves_the_copy_as_it_was()
     {
-        QVERIFY(set_value(b_db, QStringLiteral("archer"), QStringLiteral("hp"), 12));
+        QVERIFY(set_value(b_db, "archer", "hp", 12));
         const QByteArray before = GIT_SANDBOX::read(b_db + QStringLiteral("/units.xml"));
         QVERIFY(QFile::rename(sandbox->depot(), sandbox->depot() + QStringLiteral(".moved")));
         KOR_XML_QUERY_INTERFACE query(nullptr, QString(), false, false);
