@@ -80,21 +80,6 @@ private slots:
                  git(other.file("second/workspace"), {"rev-parse", "HEAD"}));
     }
 
-    void another_seed_gives_other_content()
-    {
-        TEST_FOLDER other;
-        SAMPLE_OPTIONS options;
-        options.seed = 2;
-        options.size = SAMPLE_SIZE::SMALL;
-        options.with_depot = false;
-        SAMPLE_LAYOUT layout;
-        QVERIFY(SAMPLE_PROJECT::generate(other.file("p"), options, &layout).isEmpty());
-        for (const QString& table : {QString("factions.xml"), QString("Veld_schemas/land_units.xml")})
-            QVERIFY2(ORBIN_TEST::read_file(layout.database + "/" + table) !=
-                         ORBIN_TEST::read_file(m_layout.database + "/" + table),
-                     qPrintable(table));
-    }
-
     void the_project_file_leads_the_session_to_the_database()
     {
         LIBRARY_PROXY::PROJECT_PATHS paths = LIBRARY_PROXY::PROJECT_PATHS::none();
@@ -122,17 +107,8 @@ private slots:
                     .isDir());
     }
 
-    void the_places_the_tools_read_and_write_exist()
+    void tab_files_are_utf16_with_crlf()
     {
-        for (const QString& path :
-             {m_layout.binaries + "/kiln/export_all_on.rules.kiln",
-              m_layout.binaries + "/kiln/export_all_off.rules.kiln", m_layout.text,
-              m_layout.csv_import + "/land_units.csv", m_layout.design_data + "/factions.xml",
-              m_layout.design_data + "/campaigns/main_aurel",
-              m_layout.working_data + "/db/land_units_tables/data",
-              m_layout.database + "/Veld_form_descriptions.xml", m_layout.database + "/Veld_permissions.xml",
-              m_layout.branch_root + "/common/CobaltUtility/Redist/CobaltDatabases.h"})
-            QVERIFY2(QFileInfo::exists(path), qPrintable(path));
         // Tab files are UTF-16 with one byte order mark and CR LF line ends.
         const QByteArray tab = ORBIN_TEST::read_file(m_layout.text + "/LOCALISATION_TAB_units.txt");
         QVERIFY(tab.startsWith("\xff\xfe") && !tab.mid(2).startsWith("\xff\xfe"));
@@ -144,10 +120,6 @@ private slots:
 
     void the_depot_holds_the_history()
     {
-        QStringList authors = git(m_layout.workspace, {"log", "--format=%an"}).split('\n');
-        QCOMPARE(authors.size(), 4);
-        authors.removeDuplicates();
-        QVERIFY(authors.size() >= 3);
         QVERIFY2(git(m_layout.workspace, {"status", "--porcelain"}).isEmpty(),
                  "the workspace has no local changes");
         QCOMPARE(git(m_layout.workspace, {"rev-parse", "HEAD"}), git(m_layout.depot, {"rev-parse", "main"}));

@@ -85,10 +85,6 @@ private slots:
                                          << "X_RAY__RECORD"
                                          << "X_RAY_S_TABLE"
                                          << "XRaySTable.h";
-        QTest::newRow("no plural") << "start_pos_diplomacy"
-                                   << "START_POS_DIPLOMACY_RECORD"
-                                   << "START_POS_DIPLOMACY_TABLE"
-                                   << "StartPosDiplomacyTable.h";
     }
     void derived_names()
     {
@@ -302,31 +298,8 @@ private slots:
                 "\t\tELEM(battle_categories_table ,BATTLE_CATEGORIES_TABLE , (m_vfs , "
                 "BATTLE_CATEGORY_RECORD::DEPENDENCIES(factions_table(), cultures_table()) , stringtable() , "
                 "m_bad_mods)) \\"));
-
-        // Without dependencies nothing is verified against other tables.
-        KOR_TABLE_SCHEMA lonely("omens");
-        lonely.add_field_schema(SAMPLE_FIELD::key("key").make(QUuid::createUuid()));
-        lonely.add_field_schema(
-            SAMPLE_FIELD::text("culture").refers_to("cultures").make(QUuid::createUuid()));
-        const SAMPLE_GAME_SOURCE plain(lonely, {}, {}, "C:/dev/trunk", "Mon Jan 6 10:00:00 2025", -1);
-        QVERIFY(plain.header().contains("\t\t\tconst String& key() const { return m_key; }\n"));
-        QVERIFY(!plain.header().contains("VERSION"));
-        QVERIFY(plain.source().contains("UTILITYLIB::TABLE_LIST & /*bad_tables*/)"));
-        QVERIFY(plain.source().contains("OMEN_RECORD::DEPENDENCIES::DEPENDENCIES()\n\t{}\n"));
-        QVERIFY(plain.element_line().contains("OMEN_RECORD::DEPENDENCIES() , stringtable()"));
-        QVERIFY(plain.tool_command().contains("OMEN_RECORD::BUILDER::parse));"));
     }
 
-    void a_steppe_dependency_lives_in_its_own_namespace()
-    {
-        const QString header = file("/common/CobaltUtility/Redist/FactionsTable.h");
-        QVERIFY(header.contains(
-            "namespace STEPPE\n{\n\tstruct HORDE_TYPES_TABLE;\n\tstruct HORDE_TYPE_RECORD;\n;\n}"));
-        QVERIFY(header.contains("const STEPPE::HORDE_TYPE_RECORD * m_horde_type"));
-        QVERIFY(file("/common/CobaltUtility/Source/databases/FactionsTable.cpp")
-                    .contains("#include \"SteppeDB.h\"\n"));
-        QVERIFY(QFile::exists(m_layout.branch_root + "/common/SteppeDB/Redist/SteppeDB.h"));
-    }
 };
 
 QTEST_MAIN(TST_SAMPLE_SOURCE_TREE)
