@@ -1,5 +1,4 @@
 #include "project_paths.h"
-#include "quill_icons.h"
 
 #include <QtTest/QtTest>
 
@@ -18,8 +17,6 @@ private slots:
     {
         QTest::addColumn<QString>("given");
         QTest::addColumn<QString>("seen");
-        QTest::newRow("absolute") << "/p/game/binaries"
-                                  << "/p/game/binaries/";
         QTest::newRow("trailing separator kept single") << "/p/game/binaries//"
                                                         << "/p/game/binaries/";
         QTest::newRow("backslashes") << "\\p\\game\\binaries\\"
@@ -57,7 +54,6 @@ private slots:
         QTest::addColumn<QStringList>("seen");
         QTest::newRow("list only") << "" << QStringList{"/w/one", "/w/two"}
                                    << QStringList{"/w/one/", "/w/two/"};
-        QTest::newRow("in use only") << "/w/one" << QStringList() << QStringList{"/w/one/"};
         QTest::newRow("in use moves to the front")
             << "/w/two" << QStringList{"/w/one", "/w/two/"} << QStringList{"/w/two/", "/w/one/"};
         QTest::newRow("duplicates dropped")
@@ -100,18 +96,6 @@ private slots:
         QCOMPARE(PROJECT_PATHS().all_working_data_count(), 0);
     }
 
-    void icons()
-    {
-        QVERIFY(QUILL_ICONS::create_icon(QPixmap()).isNull());
-        QPixmap pixmap(64, 64);
-        pixmap.fill(Qt::red);
-        const QIcon icon = QUILL_ICONS::create_icon(pixmap);
-        QVERIFY(!icon.isNull());
-        const QList<QSize> sizes = icon.availableSizes();
-        QVERIFY(sizes.contains(QSize(16, 16)));
-        QVERIFY(sizes.contains(QSize(64, 64)));
-        QCOMPARE(icon.pixmap(16, 16).toImage().pixelColor(8, 8), QColor(Qt::red));
-    }
 };
 
 QTEST_MAIN(QUILL_HOST_API_TEST)

@@ -191,8 +191,6 @@ private slots:
         QTest::addColumn<QStringList>("messages");
         QTest::newRow("no plugin folder") << false << true << QStringList{"The plugin folder '"};
         QTest::newRow("no project") << true << false << QStringList{"No project is configured."};
-        QTest::newRow("neither") << false << false
-                                 << QStringList{"No project is configured.", "The plugin folder '"};
     }
 
     void missing_things_are_reported()

@@ -61,10 +61,6 @@ private slots:
                                       << "p.ini:2: unknown key 'binary'";
         QTest::newRow("other section") << "[paths]\nbinaries = b\n"
                                        << "p.ini:1: unknown section [paths]";
-        QTest::newRow("no equals") << "binaries\n"
-                                   << "p.ini:1: expected 'key = path'";
-        QTest::newRow("empty value") << "binaries =\n"
-                                     << "p.ini:1: 'binaries' has no path";
         QTest::newRow("no binaries") << "design_data = d\n"
                                      << "p.ini: no 'binaries' path";
     }
@@ -112,8 +108,6 @@ private slots:
             << true << "/b" << QStringList{"/w1", "/w2"} << true;
         QTest::newRow("unknown option")
             << QStringList{"quill", "--projct", "x"} << false << "" << QStringList() << false;
-        QTest::newRow("stray argument")
-            << QStringList{"quill", "project.ini"} << false << "" << QStringList() << false;
     }
 
     void command_lines()
