@@ -15,6 +15,11 @@ bool is_text_kind(prompt::KIND kind)
            kind == KIND::GET_SAVE_FILE_NAME;
 }
 
+std::function<bool(prompt::KIND)> only(prompt::KIND wanted)
+{
+    return [wanted](prompt::KIND kind) { return kind == wanted; };
+}
+
 QString plain(QString text)
 {
     return text.remove(QLatin1Char('&'));
@@ -54,84 +59,61 @@ SCRIPTED_PROMPT::~SCRIPTED_PROMPT()
     }
 }
 
-SCRIPTED_PROMPT& SCRIPTED_PROMPT::queue(const QString& description, std::function<bool(prompt::KIND)> fits,
-                                        SCRIPT script)
+SCRIPTED_PROMPT& SCRIPTED_PROMPT::queue(const QString& description, FITS fits, SCRIPT script)
 {
     m_queue.push_back(STEP{description, std::move(fits), std::move(script)});
     return *this;
 }
 
-SCRIPTED_PROMPT& SCRIPTED_PROMPT::button(QMessageBox::StandardButton pressed)
+SCRIPTED_PROMPT& SCRIPTED_PROMPT::accepted(const QString& description, const FITS& fits,
+                                           const std::function<void(prompt::ANSWER&)>& set)
 {
-    return queue(QStringLiteral("button %1").arg(int(pressed)), prompt::is_message_box,
-                 [pressed](const prompt::REQUEST&) {
-                     prompt::ANSWER answer;
-                     answer.accepted = true;
-                     answer.button = pressed;
-                     return answer;
-                 });
-}
-
-SCRIPTED_PROMPT& SCRIPTED_PROMPT::text(const QString& value)
-{
-    return queue(QStringLiteral("text \"%1\"").arg(value), is_text_kind, [value](const prompt::REQUEST&) {
+    return queue(description, fits, [set](const prompt::REQUEST&) {
         prompt::ANSWER answer;
         answer.accepted = true;
-        answer.text = value;
+        set(answer);
         return answer;
     });
 }
 
+SCRIPTED_PROMPT& SCRIPTED_PROMPT::button(QMessageBox::StandardButton pressed)
+{
+    return accepted(QStringLiteral("button %1").arg(int(pressed)), prompt::is_message_box,
+                    [pressed](prompt::ANSWER& answer) { answer.button = pressed; });
+}
+
+SCRIPTED_PROMPT& SCRIPTED_PROMPT::text(const QString& value)
+{
+    return accepted(QStringLiteral("text \"%1\"").arg(value), is_text_kind,
+                    [value](prompt::ANSWER& answer) { answer.text = value; });
+}
+
 SCRIPTED_PROMPT& SCRIPTED_PROMPT::texts(const QStringList& values)
 {
-    return queue(
-        QStringLiteral("texts \"%1\"").arg(values.join("\", \"")),
-        [](prompt::KIND kind) { return kind == prompt::KIND::GET_OPEN_FILE_NAMES; },
-        [values](const prompt::REQUEST&) {
-            prompt::ANSWER answer;
-            answer.accepted = true;
-            answer.texts = values;
-            return answer;
-        });
+    return accepted(QStringLiteral("texts \"%1\"").arg(values.join("\", \"")),
+                    only(prompt::KIND::GET_OPEN_FILE_NAMES),
+                    [values](prompt::ANSWER& answer) { answer.texts = values; });
 }
 
 SCRIPTED_PROMPT& SCRIPTED_PROMPT::integer(int value)
 {
-    return queue(
-        QStringLiteral("integer %1").arg(value),
-        [](prompt::KIND kind) { return kind == prompt::KIND::GET_INT; },
-        [value](const prompt::REQUEST&) {
-            prompt::ANSWER answer;
-            answer.accepted = true;
-            answer.int_value = value;
-            return answer;
-        });
+    return accepted(QStringLiteral("integer %1").arg(value), only(prompt::KIND::GET_INT),
+                    [value](prompt::ANSWER& answer) { answer.int_value = value; });
 }
 
 SCRIPTED_PROMPT& SCRIPTED_PROMPT::real(double value)
 {
-    return queue(
-        QStringLiteral("real %1").arg(value),
-        [](prompt::KIND kind) { return kind == prompt::KIND::GET_DOUBLE; },
-        [value](const prompt::REQUEST&) {
-            prompt::ANSWER answer;
-            answer.accepted = true;
-            answer.double_value = value;
-            return answer;
-        });
+    return accepted(QStringLiteral("real %1").arg(value), only(prompt::KIND::GET_DOUBLE),
+                    [value](prompt::ANSWER& answer) { answer.double_value = value; });
 }
 
 SCRIPTED_PROMPT& SCRIPTED_PROMPT::color(const QColor& value)
 {
-    return queue(
-        QStringLiteral("color %1").arg(value.name()),
-        [](prompt::KIND kind) { return kind == prompt::KIND::GET_COLOR; },
-        [value](const prompt::REQUEST&) {
-            prompt::ANSWER answer;
-            answer.accepted = value.isValid();
-            answer.color = value;
-            return answer;
-        });
+    return accepted(QStringLiteral("color %1").arg(value.name()), only(prompt::KIND::GET_COLOR),
+                    [value](prompt::ANSWER& answer) {
+                        answer.accepted = value.isValid();
+                        answer.color = value;
+                    });
 }
 
 SCRIPTED_PROMPT& SCRIPTED_PROMPT::cancel()
@@ -152,71 +134,69 @@ SCRIPTED_PROMPT& SCRIPTED_PROMPT::cancel()
 
 SCRIPTED_PROMPT& SCRIPTED_PROMPT::accept_dialog(const DIALOG_FILL& fill)
 {
-    return dialog([fill](QDialog& dialog) {
-        if (fill)
-            fill(dialog);
-        dialog.accept();
-        return dialog.result();
-    });
+    return filled_dialog(fill, true);
 }
 
 SCRIPTED_PROMPT& SCRIPTED_PROMPT::reject_dialog(const DIALOG_FILL& fill)
 {
-    return dialog([fill](QDialog& dialog) {
+    return filled_dialog(fill, false);
+}
+
+SCRIPTED_PROMPT& SCRIPTED_PROMPT::filled_dialog(const DIALOG_FILL& fill, bool accept)
+{
+    return dialog([fill, accept](QDialog& dialog) {
         if (fill)
             fill(dialog);
-        dialog.reject();
+        accept ? dialog.accept() : dialog.reject();
         return dialog.result();
     });
 }
 
 SCRIPTED_PROMPT& SCRIPTED_PROMPT::dialog(const std::function<int(QDialog&)>& script)
 {
-    return queue(
-        QStringLiteral("dialog"), [](prompt::KIND kind) { return kind == prompt::KIND::EXEC_DIALOG; },
-        [script](const prompt::REQUEST& request) {
-            prompt::ANSWER answer;
-            if (request.dialog)
-            {
-                answer.dialog_result = script(*request.dialog);
-                answer.accepted = answer.dialog_result != QDialog::Rejected;
-            }
-            return answer;
-        });
+    return queue(QStringLiteral("dialog"), only(prompt::KIND::EXEC_DIALOG),
+                 [script](const prompt::REQUEST& request) {
+                     prompt::ANSWER answer;
+                     if (request.dialog)
+                     {
+                         answer.dialog_result = script(*request.dialog);
+                         answer.accepted = answer.dialog_result != QDialog::Rejected;
+                     }
+                     return answer;
+                 });
 }
 
 SCRIPTED_PROMPT& SCRIPTED_PROMPT::menu_action(const QString& action_text)
 {
-    return queue(
-        QStringLiteral("menu action \"%1\"").arg(action_text),
-        [](prompt::KIND kind) { return kind == prompt::KIND::EXEC_MENU; },
-        [this, action_text](const prompt::REQUEST& request) {
-            prompt::ANSWER answer;
-            const QList<QAction*> actions = request.menu ? request.menu->actions() : QList<QAction*>();
-            for (QAction* action : actions)
-            {
-                if (!action->isSeparator() && plain(action->text()) == plain(action_text))
-                {
-                    answer.action = action;
-                    break;
-                }
-            }
-            if (!answer.action)
-            {
-                error(QStringLiteral("the menu has no action \"%1\"").arg(action_text));
-                return answer;
-            }
-            if (!answer.action->isEnabled())
-            {
-                // A disabled item cannot be chosen: the menu closes with nothing.
-                error(QStringLiteral("the menu action \"%1\" is disabled").arg(action_text));
-                answer.action = nullptr;
-                return answer;
-            }
-            answer.accepted = true;
-            answer.action->activate(QAction::Trigger);
-            return answer;
-        });
+    return queue(QStringLiteral("menu action \"%1\"").arg(action_text), only(prompt::KIND::EXEC_MENU),
+                 [this, action_text](const prompt::REQUEST& request) {
+                     prompt::ANSWER answer;
+                     const QList<QAction*> actions =
+                         request.menu ? request.menu->actions() : QList<QAction*>();
+                     for (QAction* action : actions)
+                     {
+                         if (!action->isSeparator() && plain(action->text()) == plain(action_text))
+                         {
+                             answer.action = action;
+                             break;
+                         }
+                     }
+                     if (!answer.action)
+                     {
+                         error(QStringLiteral("the menu has no action \"%1\"").arg(action_text));
+                         return answer;
+                     }
+                     if (!answer.action->isEnabled())
+                     {
+                         // A disabled item cannot be chosen: the menu closes with nothing.
+                         error(QStringLiteral("the menu action \"%1\" is disabled").arg(action_text));
+                         answer.action = nullptr;
+                         return answer;
+                     }
+                     answer.accepted = true;
+                     answer.action->activate(QAction::Trigger);
+                     return answer;
+                 });
 }
 
 SCRIPTED_PROMPT& SCRIPTED_PROMPT::custom(const SCRIPT& script)

@@ -95,13 +95,18 @@ public:
     prompt::ANSWER ask(const prompt::REQUEST& request) override;
 
 private:
+    using FITS = std::function<bool(prompt::KIND)>;
     struct STEP
     {
         QString description;
-        std::function<bool(prompt::KIND)> fits;
+        FITS fits;
         SCRIPT script;
     };
-    SCRIPTED_PROMPT& queue(const QString& description, std::function<bool(prompt::KIND)> fits, SCRIPT script);
+    SCRIPTED_PROMPT& queue(const QString& description, FITS fits, SCRIPT script);
+    // An accepted answer whose value `set` fills in.
+    SCRIPTED_PROMPT& accepted(const QString& description, const FITS& fits,
+                              const std::function<void(prompt::ANSWER&)>& set);
+    SCRIPTED_PROMPT& filled_dialog(const DIALOG_FILL& fill, bool accept);
     void error(const QString& message);
 
     ON_ERROR m_on_error;
