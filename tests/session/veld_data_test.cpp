@@ -119,23 +119,6 @@ private slots:
         QCOMPARE(session.connect_path(), root + QStringLiteral("/absent/bin/db"));
     }
 
-    void project_path_set_copies_every_path()
-    {
-        LIBRARY_PROXY::PROJECT_PATHS paths = LIBRARY_PROXY::PROJECT_PATHS::none();
-        paths.binaries_path = QStringLiteral("/p/bin");
-        paths.connection_path = QStringLiteral("/p/raw_data/db");
-        paths.working_data_paths = QStringList{QStringLiteral("/p/wd1"), QStringLiteral("/p/wd2")};
-        LIBRARY_PROXY::PROJECT_PATHS::set_current(paths);
-        const PROJECT_PATH_SET set;
-        LIBRARY_PROXY::PROJECT_PATHS::clear_current();
-        QCOMPARE(set.binaries_path(), QStringLiteral("/p/bin/"));
-        QCOMPARE(set.connection_path(), QStringLiteral("/p/raw_data/db/"));
-        QCOMPARE(set.working_data_path(), QStringLiteral("/p/wd1/"));
-        QCOMPARE(set.all_working_data_paths(), (QStringList{"/p/wd1/", "/p/wd2/"}));
-        // A copy: later changes of the host's project do not reach it.
-        QCOMPARE(PROJECT_PATH_SET().binaries_path(), QString());
-    }
-
     // Each forwarded operation that needs the database says why it cannot,
     // instead of reaching for an interface that is not there.
     void guards_without_a_connection_data()
@@ -144,14 +127,9 @@ private slots:
         QTest::addColumn<QString>("message");
         const QString permissions = QStringLiteral("Must be connected in order to get table permissions!");
         QTest::newRow("can add") << 0 << permissions;
-        QTest::newRow("can edit") << 1 << permissions;
-        QTest::newRow("can remove") << 2 << permissions;
-        QTest::newRow("restricted") << 3 << permissions;
-        QTest::newRow("table names") << 4 << "Must be connected in order to get table names from the model!";
+        QTest::newRow("table names") << 1 << "Must be connected in order to get table names from the model!";
         QTest::newRow("record uuids")
-            << 5 << "Must be connected in order to update all records to have uuids!";
-        QTest::newRow("field uuids")
-            << 6 << "Must be connected in order to update all fields in schemas to have uuids!";
+            << 2 << "Must be connected in order to update all records to have uuids!";
     }
 
     void guards_without_a_connection()
@@ -168,22 +146,10 @@ private slots:
             answer = session.can_add_table_records("t");
             break;
         case 1:
-            answer = session.can_edit_table_records("t");
-            break;
-        case 2:
-            answer = session.can_remove_table_records("t");
-            break;
-        case 3:
-            answer = session.table_restricted("t");
-            break;
-        case 4:
             answer = session.get_table_names(names);
             break;
-        case 5:
+        case 2:
             session.update_all_records_with_uuids();
-            break;
-        case 6:
-            session.update_all_schema_fields_with_uuids();
             break;
         }
         QVERIFY(!answer);
@@ -261,7 +227,6 @@ private slots:
         QTest::newRow("warning, errors suppressed") << 1 << true << "" << true;
         QTest::newRow("error, errors suppressed") << 2 << true << "" << true;
         QTest::newRow("unknown severity") << 3 << false << "" << false;
-        QTest::newRow("negative severity") << -1 << false << "" << false;
     }
 
     void report()
