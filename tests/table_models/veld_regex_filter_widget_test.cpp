@@ -1,7 +1,4 @@
-#include "table_model_test_database.h"
 #include "veld_regex_filter_widget.h"
-#include "veld_table_data_view_model.h"
-#include "veld_table_data_view_sort_model.h"
 
 #include <QCheckBox>
 #include <QComboBox>
@@ -24,7 +21,6 @@ private slots:
     void changes_signal_only_while_enabled();
     void delete_asks_to_be_removed();
     void expression_text();
-    void rows_filter_a_table_through_the_proxy();
 
 private:
     static const QStringList columns;
@@ -53,7 +49,6 @@ void VELD_REGEX_FILTER_WIDGET_TEST::tests_text_data()
     QTest::addColumn<bool>("passes");
 
     QTest::newRow("matches anywhere") << "ast" << 0 << false << false << "hastati" << true;
-    QTest::newRow("anchored") << "^ast" << 0 << false << false << "hastati" << false;
     QTest::newRow("case ignored") << "HAST" << 0 << false << false << "hastati" << true;
     QTest::newRow("case sensitive") << "HAST" << 0 << true << false << "hastati" << false;
     QTest::newRow("not") << "ast" << 0 << false << true << "hastati" << false;
@@ -61,7 +56,6 @@ void VELD_REGEX_FILTER_WIDGET_TEST::tests_text_data()
     QTest::newRow("empty pattern with not rejects all") << "" << 0 << false << true << "" << false;
     QTest::newRow("invalid expression matches nothing") << "(ab" << 0 << false << false << "(ab" << false;
     QTest::newRow("wildcard") << "h*i" << 1 << false << false << "the hastati" << true;
-    QTest::newRow("wildcard single") << "c?st" << 1 << false << false << "cost" << true;
     QTest::newRow("fixed string") << "a.b" << 2 << false << false << "axb" << false;
     QTest::newRow("fixed string found") << "a.b" << 2 << false << false << "1a.b2" << true;
 }
@@ -188,66 +182,6 @@ void VELD_REGEX_FILTER_WIDGET_TEST::expression_text()
     QVERIFY(child<QToolButton>(row, "addLeftBracketButton")->isHidden());
     QVERIFY(child<QCheckBox>(row, "orCheckBox")->isHidden());
     QVERIFY(!child<QCheckBox>(row, "notCheckBox")->isHidden());
-}
-
-void VELD_REGEX_FILTER_WIDGET_TEST::rows_filter_a_table_through_the_proxy()
-{
-    TABLE_MODEL_TEST_DATABASE db;
-    QVERIFY2(db.ok(), qPrintable(db.error()));
-    VELD_TABLE_DATA_VIEW_MODEL model(QStringLiteral("units"), &db.engine());
-    QString error;
-    QVERIFY(model.load(error));
-    VELD_TABLE_DATA_VIEW_SORT_MODEL proxy;
-    proxy.setSourceModel(&model);
-    proxy.sort(0);
-    QList<VELD_RegexFilterWidget*> rows;
-    proxy.set_filter_widgets(&rows);
-
-    QStringList field_names;
-    for (int column = 0; column < model.columnCount(); ++column)
-        field_names.append(model.headerData(column, Qt::Horizontal).toString());
-    const auto add_row = [&](const QString& column, const QString& pattern) {
-        auto* row = new VELD_RegexFilterWidget(field_names);
-        child<QComboBox>(*row, "columnComboBox")->setCurrentText(column);
-        child<QLineEdit>(*row, "patternLineEdit")->setText(pattern);
-        rows.append(row);
-        return row;
-    };
-    const auto shown = [&]() -> QStringList {
-        if (!proxy.build_filter_tree().isEmpty())
-            return QStringList{"<bracket warning>"};
-        proxy.invalidate();
-        QStringList keys;
-        for (int row = 0; row < proxy.rowCount(); ++row)
-            keys.append(model.record_key(proxy.mapToSource(proxy.index(row, 0)).row()));
-        return keys;
-    };
-
-    // unit has "a" AND (faction shows "Rome" OR cost is 30)
-    add_row(QStringLiteral("unit"), QStringLiteral("a"));
-    VELD_RegexFilterWidget* second = add_row(QStringLiteral("faction"), QStringLiteral("^Rome$"));
-    VELD_RegexFilterWidget* third = add_row(QStringLiteral("cost"), QStringLiteral("^30$"));
-    child<QToolButton>(*second, "addLeftBracketButton")->click();
-    child<QCheckBox>(*second, "orCheckBox")->setChecked(true);
-    child<QToolButton>(*third, "addRightBracketButton")->click();
-    QCOMPARE(shown(), (QStringList{"archers", "hastati"}));
-    QCOMPARE(proxy.filter_expression_text(), QStringLiteral("a AND (^Rome$ OR ^30$)"));
-
-    // Without the brackets the rows join strictly left to right:
-    // (unit has "a" AND faction Rome) OR cost 30.
-    child<QToolButton>(*second, "removeLeftBracketButton")->click();
-    child<QToolButton>(*third, "removeRightBracketButton")->click();
-    QCOMPARE(shown(), (QStringList{"archers", "hastati"}));
-    child<QLineEdit>(*third, "patternLineEdit")->setText(QStringLiteral("^20$"));
-    QCOMPARE(shown(), (QStringList{"hastati", "velites"}));
-
-    // A removed row is out of the expression once it is built again.
-    rows.removeOne(third);
-    delete third;
-    QCOMPARE(shown(), QStringList{"hastati"});
-    qDeleteAll(rows);
-    rows.clear();
-    QCOMPARE(shown().size(), 3);
 }
 
 QTEST_MAIN(VELD_REGEX_FILTER_WIDGET_TEST)
