@@ -1,4 +1,5 @@
 #include "filtered_dropdown_combo_box.h"
+#include "test_helpers.h"
 
 #include <QAbstractItemView>
 #include <QCompleter>
@@ -22,6 +23,19 @@ private:
             box.addItem(text, QStringLiteral("value:") + text);
     }
 
+    // Shows the box and types into it as the user would; true once the
+    // narrowed popup shows.
+    static bool type_into(FilteredDropdownComboBox& box, const QString& text)
+    {
+        box.show();
+        if (!QTest::qWaitForWindowExposed(&box))
+            return false;
+        box.setFocus();
+        box.lineEdit()->clear();
+        QTest::keyClicks(box.lineEdit(), text);
+        return ORBIN_TEST::wait_until([&] { return box.narrowing_completer()->popup()->isVisible(); });
+    }
+
 private slots:
     void is_editable_and_never_inserts_typed_text()
     {
@@ -38,14 +52,8 @@ private slots:
     {
         FilteredDropdownComboBox box;
         fill(box, {"Goblin", "Hobgoblin", "Orc", "Ogre"});
-        box.show();
-        QVERIFY(QTest::qWaitForWindowExposed(&box));
-        box.setFocus();
-        box.lineEdit()->clear();
-        QTest::keyClicks(box.lineEdit(), "GOB");
-        QCompleter* completer = box.narrowing_completer();
-        QCOMPARE(completer->completionCount(), 2);
-        QTRY_VERIFY(completer->popup()->isVisible());
+        QVERIFY(type_into(box, "GOB"));
+        QCOMPARE(box.narrowing_completer()->completionCount(), 2);
         // The full list keeps every item and its data while narrowed.
         QCOMPARE(box.count(), 4);
         QCOMPARE(box.itemData(2).toString(), QString("value:Orc"));
@@ -93,12 +101,7 @@ private slots:
     {
         FilteredDropdownComboBox box;
         fill(box, {"Goblin", "Hobgoblin", "Orc"});
-        box.show();
-        QVERIFY(QTest::qWaitForWindowExposed(&box));
-        box.setFocus();
-        box.lineEdit()->clear();
-        QTest::keyClicks(box.lineEdit(), "gob");
-        QTRY_VERIFY(box.narrowing_completer()->popup()->isVisible());
+        QVERIFY(type_into(box, "gob"));
 
         box.setCurrentIndex(2);
         QVERIFY(!box.narrowing_completer()->popup()->isVisible());
@@ -139,13 +142,8 @@ private slots:
     {
         FilteredDropdownComboBox box;
         fill(box, {"Goblin", "Hobgoblin", "Orc"});
-        box.show();
-        QVERIFY(QTest::qWaitForWindowExposed(&box));
-        box.setFocus();
-        box.lineEdit()->clear();
-        QTest::keyClicks(box.lineEdit(), "hob");
+        QVERIFY(type_into(box, "hob"));
         QAbstractItemView* popup = box.narrowing_completer()->popup();
-        QTRY_VERIFY(popup->isVisible());
         QTest::keyClick(popup, Qt::Key_Down);
         QTest::keyClick(popup, Qt::Key_Return);
         QCOMPARE(box.currentIndex(), 1);

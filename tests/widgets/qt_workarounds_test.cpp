@@ -38,11 +38,6 @@ private slots:
         QCOMPARE(seen, expected);
     }
 
-    void selection_indices_of_nothing_is_empty()
-    {
-        QVERIFY(QT_WORKAROUNDS::selection_indices(QItemSelection()).isEmpty());
-    }
-
     void restore_header_by_column_names_data()
     {
         QTest::addColumn<QStringList>("saved");
