@@ -1,5 +1,6 @@
-// The plugin module as the host loads it: its metadata, the interfaces it
-// answers for, its one action and the windows that action makes.
+// The plugin module as the host loads it: the interfaces it answers for, its
+// one action and the windows that action makes. Its metadata is checked with
+// the host.
 //
 // The module carries its own copy of every library inside it (it exports
 // only Qt's entry points), the prompt seam included, so no prompt of it can
@@ -60,15 +61,6 @@ private slots:
         LIBRARY_PROXY::PROJECT_PATHS::set_current(paths);
         instance = loader.instance();
         QVERIFY2(instance, qPrintable(loader.errorString()));
-    }
-
-    void metadata()
-    {
-        const QJsonObject meta = loader.metaData();
-        QCOMPARE(meta.value("IID").toString(), QStringLiteral("nf.Quill.VeldPlugin"));
-        QCOMPARE(meta.value("className").toString(), QStringLiteral("ORBIN_PLUGIN"));
-        QCOMPARE(meta.value("debug").toBool(), false);
-        QCOMPARE(meta.value("MetaData").toObject(), QJsonObject());
         // One instance, however often it is asked for.
         QCOMPARE(loader.instance(), instance);
     }
@@ -120,15 +112,6 @@ private slots:
         for (int method = meta->methodOffset(); method < meta->methodCount(); ++method)
             own << QString::fromLatin1(meta->method(method).methodSignature());
         QCOMPARE(own, (QStringList{"open_VELD()", "orbin_disconnected()", "orbin_connected()"}));
-    }
-
-    void description()
-    {
-        const PLUGIN_DESCRIPTION description = application()->plugin_description();
-        QCOMPARE(description.name, QStringLiteral("ORBIN"));
-        QVERIFY(!description.icon.isNull());
-        QVERIFY(description.categories.isEmpty());
-        QVERIFY(description.enabled);
     }
 
     void one_action_without_parent()
