@@ -39,8 +39,6 @@ private slots:
         QTest::newRow("messages before any field")
             << QStringList{"Change 12 created.", "... change 12"} << 1 << "change"
             << "12" << QStringList{"Change 12 created."};
-        QTest::newRow("nothing") << QStringList() << 0 << ""
-                                 << "" << QStringList();
     }
 
     void tagged_output_splits_into_records()
@@ -120,10 +118,6 @@ private slots:
                                          << "";
         QTest::newRow("have") << "/ws/db/a.xml#have"
                               << "db/a.xml" << int(VCS_FILE_ARGUMENT::REVISION_HAVE) << 0 << "db"
-                              << "db/a.xml"
-                              << "";
-        QTest::newRow("head") << "/ws/db/a.xml#head"
-                              << "db/a.xml" << int(VCS_FILE_ARGUMENT::REVISION_HEAD) << 0 << "db"
                               << "db/a.xml"
                               << "";
         QTest::newRow("revision") << "/ws/db/a.xml#3"
