@@ -121,25 +121,6 @@ private slots:
         QVERIFY(set.isEmpty());
     }
 
-    void lock_taken_by_one_refuses_the_other()
-    {
-        KOR_XML_QUERY_INTERFACE first(nullptr, QString(), false, false);
-        KOR_XML_QUERY_INTERFACE second(nullptr, QString(), false, false);
-        QString error;
-        QString holder;
-        QVERIFY(!second.is_database_locked(b_db, holder));
-        QVERIFY2(first.lock_database(error, a_db), qPrintable(error));
-        QVERIFY(!second.lock_database(error, b_db));
-        QVERIFY2(error.contains(QLatin1String("locked by")), qPrintable(error));
-        QVERIFY(second.is_database_locked(b_db, holder));
-        QVERIFY2(holder.contains(QLatin1String("_a-")), qPrintable(holder)); // a's workspace
-        QVERIFY(!second.unlock_database(b_db));
-        QVERIFY(first.unlock_database(a_db));
-        QVERIFY(!second.is_database_locked(b_db, holder));
-        QVERIFY2(second.lock_database(error, b_db), qPrintable(error));
-        QVERIFY(second.unlock_database(b_db));
-    }
-
     void submit_then_sync_shows_the_change()
     {
         GIT_SANDBOX::write(in(a_db, "units.xml"), "<units>a</units>\n");
