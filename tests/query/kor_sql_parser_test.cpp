@@ -96,6 +96,8 @@ void TEST_KOR_SQL_PARSER::canonical_text()
     QCOMPARE(again.to_text(), canonical);
 }
 
+// The printed form shows the shape; what it cannot show is where each part
+// stood, which the messages of later checks point at.
 void TEST_KOR_SQL_PARSER::tree_shape()
 {
     const QString sql = QStringLiteral(
@@ -105,49 +107,18 @@ void TEST_KOR_SQL_PARSER::tree_shape()
     QString error;
     QVERIFY2(KOR_SQL_PARSER::parse(sql, statement, error), qPrintable(error));
 
-    QCOMPARE(int(statement.select.size()), 2);
-    QCOMPARE(statement.select[0].qualifier, QStringLiteral("u"));
-    QCOMPARE(statement.select[0].name, QStringLiteral("name"));
     QCOMPARE(statement.select[0].position, sql.indexOf(QLatin1String("[u.name]")));
-    QVERIFY(!statement.select[0].star);
     QVERIFY(statement.select[1].star);
-    QVERIFY(statement.select[1].qualifier.isEmpty());
-
-    QCOMPARE(statement.from.table, QStringLiteral("units"));
-    QCOMPARE(statement.from.alias, QStringLiteral("u"));
     QCOMPARE(statement.from.qualifier(), QStringLiteral("u"));
-    QCOMPARE(int(statement.joins.size()), 1);
     const KOR_SQL_JOIN& join = statement.joins.front();
-    QCOMPARE(join.table.table, QStringLiteral("factions"));
     QCOMPARE(join.table.qualifier(), QStringLiteral("factions"));
     QCOMPARE(join.position, sql.indexOf(QLatin1String("JOIN")));
-    QVERIFY(join.on);
-    QCOMPARE(join.on->kind, KOR_SQL_CONDITION::COMPARE);
-    QVERIFY(join.on->left.is_field && join.on->right.is_field);
-    QCOMPARE(join.on->right.field.qualifier, QStringLiteral("factions"));
-    QCOMPARE(join.on->right.field.name, QStringLiteral("key"));
-
-    QVERIFY(statement.where);
     const KOR_SQL_CONDITION& where = *statement.where;
     QCOMPARE(where.kind, KOR_SQL_CONDITION::AND);
-    QCOMPARE(int(where.children.size()), 2);
-    const KOR_SQL_CONDITION& negation = *where.children[0];
-    QCOMPARE(negation.kind, KOR_SQL_CONDITION::NOT);
-    QCOMPARE(negation.position, sql.indexOf(QLatin1String("NOT (")));
-    const KOR_SQL_CONDITION& either = *negation.children.front();
-    QCOMPARE(either.kind, KOR_SQL_CONDITION::OR);
-    QCOMPARE(either.children[0]->kind, KOR_SQL_CONDITION::COMPARE);
-    QCOMPARE(either.children[0]->op, KOR_SQL_CONDITION::GREATER_EQUAL);
-    QCOMPARE(either.children[0]->right.literal.kind, KOR_SQL_LITERAL::INTEGER);
-    QCOMPARE(either.children[0]->right.literal.integer, qint64(5));
-    QCOMPARE(either.children[1]->kind, KOR_SQL_CONDITION::LIKE);
-    QVERIFY(either.children[1]->negated);
-    QCOMPARE(either.children[1]->right.literal.text, QStringLiteral("A%"));
-    const KOR_SQL_CONDITION& is_null = *where.children[1];
-    QCOMPARE(is_null.kind, KOR_SQL_CONDITION::IS_NULL);
-    QVERIFY(!is_null.negated);
-    QCOMPARE(is_null.left.field.name, QStringLiteral("cost"));
-    QCOMPARE(is_null.position, sql.indexOf(QLatin1String("[u.cost]")));
+    QCOMPARE(where.children[0]->kind, KOR_SQL_CONDITION::NOT);
+    QCOMPARE(where.children[0]->position, sql.indexOf(QLatin1String("NOT (")));
+    QCOMPARE(where.children[1]->kind, KOR_SQL_CONDITION::IS_NULL);
+    QCOMPARE(where.children[1]->position, sql.indexOf(QLatin1String("[u.cost]")));
 }
 
 void TEST_KOR_SQL_PARSER::literals_data()
