@@ -101,12 +101,8 @@ QString TABLE_MODEL_TEST_DATABASE::value_on_disk(const QString& table, const QSt
 {
     KOR_XML_QUERY_INTERFACE reader(nullptr, QString(), false, false);
     if (!reader.connect_without_merge(m_path, false).isEmpty())
-        return QStringLiteral("<missing>");
-    QString error;
-    const KOR_TABLE_DATA* data = reader.get_table_data(error, table);
-    const KOR_RECORD_DATA* record = data ? data->record_by_key(key) : nullptr;
-    const KOR_FIELD_DATA* value = record ? record->get_field_data(field) : nullptr;
-    return value ? value->value_text() : QStringLiteral("<missing>");
+        return QStringLiteral("<no database>");
+    return TEST_DATABASE_BUILDER::value_text(reader, table, key, field);
 }
 
 int TABLE_MODEL_TEST_DATABASE::record_count_on_disk(const QString& table) const

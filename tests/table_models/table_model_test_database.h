@@ -34,7 +34,7 @@ public:
     RECORDING_QUERY_INTERFACE& engine() { return *m_engine; }
 
     // A field of a record as the files on disk hold it, read through a
-    // fresh interface; "<missing>" when the record or field is not there.
+    // fresh interface; "<none>" when the record or field is not there.
     QString value_on_disk(const QString& table, const QString& key, const QString& field) const;
     int record_count_on_disk(const QString& table) const;
 

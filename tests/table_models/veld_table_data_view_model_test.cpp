@@ -351,7 +351,7 @@ void VELD_TABLE_DATA_VIEW_MODEL_TEST::key_released_by_a_pending_deletion_can_be_
     QCOMPARE(m_db->engine().log,
              (QStringList{"begin", "remove archers", "edit velites unit=archers cost=20 notes=", "end"}));
     QCOMPARE(m_db->value_on_disk("units", "archers", "cost"), QStringLiteral("20"));
-    QCOMPARE(m_db->value_on_disk("units", "velites", "cost"), QStringLiteral("<missing>"));
+    QCOMPARE(m_db->value_on_disk("units", "velites", "cost"), QStringLiteral("<none>"));
 }
 
 void VELD_TABLE_DATA_VIEW_MODEL_TEST::referenced_record_is_not_removed()
@@ -545,7 +545,7 @@ void VELD_TABLE_DATA_VIEW_MODEL_TEST::failed_apply_keeps_all_pending_work()
     QCOMPARE(m_db->engine().log.first(), QStringLiteral("begin"));
     QCOMPARE(m_db->engine().log.last(), QStringLiteral("end"));
     QCOMPARE(m_db->value_on_disk("units", "velites", "cost"), QStringLiteral("25"));
-    QCOMPARE(m_db->value_on_disk("units", "archers", "cost"), QStringLiteral("<missing>"));
+    QCOMPARE(m_db->value_on_disk("units", "archers", "cost"), QStringLiteral("<none>"));
     QCOMPARE(m_db->value_on_disk("units", "triarii", "unit"), QStringLiteral("triarii"));
 }
 

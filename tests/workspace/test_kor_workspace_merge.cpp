@@ -65,11 +65,7 @@ QString value(const QString& db, const QString& key, const QString& field)
     KOR_XML_QUERY_INTERFACE query(nullptr, QString(), false, false);
     if (!query.connect_without_merge(db, false).isEmpty())
         return "<no database>";
-    QString error;
-    const KOR_TABLE_DATA* table = query.get_table_data(error, units);
-    const KOR_RECORD_DATA* record = table ? table->record_by_key(key) : nullptr;
-    const KOR_FIELD_DATA* data = record ? record->get_field_data(field) : nullptr;
-    const QString text = data ? data->value_text() : "<none>";
+    const QString text = TEST_DATABASE_BUILDER::value_text(query, units, key, field);
     query.disconnect();
     return text;
 }
