@@ -10,29 +10,22 @@ KOR_MEMORY_POOL::~KOR_MEMORY_POOL()
         std::free(block);
 }
 
-void* KOR_MEMORY_POOL::allocate(std::size_t size, std::size_t alignment)
+void* KOR_MEMORY_POOL::allocate_in_new_block(std::size_t size, std::size_t alignment)
 {
-    const std::uintptr_t current = reinterpret_cast<std::uintptr_t>(m_current);
-    std::size_t padding = (alignment - current % alignment) % alignment;
-    if (!m_current || padding + size > m_left)
-    {
-        // Large requests get a block of their own so the current block keeps
-        // serving small ones.
-        const std::size_t block_size = size + alignment > BLOCK_SIZE / 4 ? size + alignment : BLOCK_SIZE;
-        char* block = static_cast<char*>(std::malloc(block_size));
-        if (!block)
-            throw std::bad_alloc();
-        m_blocks.push_back(block);
-        m_reserved += block_size;
-        const std::uintptr_t start = reinterpret_cast<std::uintptr_t>(block);
-        padding = (alignment - start % alignment) % alignment;
-        if (block_size != BLOCK_SIZE)
-            return block + padding;
-        m_current = block;
-        m_left = block_size;
-    }
-    char* result = m_current + padding;
+    // Large requests get a block of their own so the current block keeps
+    // serving small ones.
+    const std::size_t block_size = size + alignment > BLOCK_SIZE / 4 ? size + alignment : BLOCK_SIZE;
+    char* block = static_cast<char*>(std::malloc(block_size));
+    if (!block)
+        throw std::bad_alloc();
+    m_blocks.push_back(block);
+    m_reserved += block_size;
+    const std::uintptr_t start = reinterpret_cast<std::uintptr_t>(block);
+    const std::size_t padding = (alignment - start % alignment) % alignment;
+    if (block_size != BLOCK_SIZE)
+        return block + padding;
+    char* result = block + padding;
     m_current = result + size;
-    m_left -= padding + size;
+    m_left = block_size - padding - size;
     return result;
 }

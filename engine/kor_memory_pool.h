@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <vector>
 
 // A bump allocator for the many small objects of a table read from a file
@@ -15,10 +16,25 @@ public:
     KOR_MEMORY_POOL& operator=(const KOR_MEMORY_POOL&) = delete;
     ~KOR_MEMORY_POOL();
 
-    void* allocate(std::size_t size, std::size_t alignment = alignof(std::max_align_t));
+    // Inline for the common case: a table read asks ten times a record.
+    void* allocate(std::size_t size, std::size_t alignment = alignof(std::max_align_t))
+    {
+        const std::size_t padding =
+            (alignment - reinterpret_cast<std::uintptr_t>(m_current) % alignment) % alignment;
+        if (m_current && padding + size <= m_left)
+        {
+            char* result = m_current + padding;
+            m_current = result + size;
+            m_left -= padding + size;
+            return result;
+        }
+        return allocate_in_new_block(size, alignment);
+    }
     std::size_t bytes_reserved() const { return m_reserved; }
 
 private:
+    void* allocate_in_new_block(std::size_t size, std::size_t alignment);
+
     static constexpr std::size_t BLOCK_SIZE = 1 << 20;
     std::vector<char*> m_blocks;
     char* m_current = nullptr;
