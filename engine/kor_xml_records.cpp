@@ -18,35 +18,6 @@
 
 namespace
 {
-// The type a field's values are kept in.
-int stored_type(KOR_FIELD_TYPE type)
-{
-    switch (type)
-    {
-    case KFT_YESNO:
-        return QMetaType::Bool;
-    case KFT_INTEGER:
-    case KFT_UNSIGNED_INTEGER:
-    case KFT_AUTONUMBER:
-        return QMetaType::Int;
-    case KFT_SINGLE:
-        return QMetaType::Float;
-    case KFT_DOUBLE:
-    case KFT_DECIMAL:
-        return QMetaType::Double;
-    case KFT_TEXT:
-        return QMetaType::QString;
-    case KFT_DATE_TIME:
-        return QMetaType::QDateTime;
-    case KFT_UNIQUE_ID:
-    case KFT_CARD64:
-        return QMetaType::ULongLong;
-    case KFT_NONE:
-        break;
-    }
-    return QMetaType::UnknownType;
-}
-
 bool same_value(const QVariant& a, const QVariant& b)
 {
     return a.type() == b.type() && KOR_FIELD_DATA::variant_to_text(a) == KOR_FIELD_DATA::variant_to_text(b);
@@ -61,31 +32,7 @@ const char* const REJECTED_MARKER = "text_rejected";
 bool KOR_XML_QUERY_INTERFACE_PRIVATE::normalise_value(QString& error, const KOR_FIELD_SCHEMA& field,
                                                       const QVariant& value, QVariant& out)
 {
-    const int type = stored_type(field.field_type());
-    if (type == QMetaType::UnknownType)
-    {
-        error = QStringLiteral("Field '%1' has no valid type").arg(field.field_name());
-        return false;
-    }
-    if (!value.isValid() || value.isNull())
-    {
-        out = field.field_type() == KFT_TEXT ? QVariant(QString(QLatin1String(""))) : QVariant();
-        return true;
-    }
-    if (int(value.type()) == type)
-    {
-        out = value;
-        return true;
-    }
-    QString reason;
-    if (!KOR_RECORD_DATA::convert_string_to_type(reason, out, field.field_type(),
-                                                 KOR_FIELD_DATA::variant_to_text(value)))
-    {
-        error = QStringLiteral("'%1' is not a valid value for field '%2': %3")
-                    .arg(KOR_FIELD_DATA::variant_to_text(value), field.field_name(), reason);
-        return false;
-    }
-    return true;
+    return field.stored_value(error, value, out);
 }
 
 QVariant KOR_XML_QUERY_INTERFACE_PRIVATE::initial_value(const KOR_FIELD_SCHEMA& field, KOR_TABLE_DATA& table)

@@ -11,6 +11,7 @@
 #include "kor_update_command_codec.h"
 #include "kor_xml_query_interface.h"
 #include "kor_xml_query_interface_p.h"
+#include "workspace/kor_workspace_files.h"
 #include "progress_callback.h"
 
 #include <QDir>
@@ -187,6 +188,11 @@ bool KOR_XML_QUERY_INTERFACE_PRIVATE::commit(QString& error)
                                        .arg(commands_file.fileName(), commands_file.errorString()));
             bytes = commands_file.readAll();
             commands_file.close();
+            // The file holds the commands of the change being prepared: once
+            // its content is what the depot already has, those commands went
+            // out with an earlier submit and this change starts afresh.
+            if (KOR_WORKSPACE_FILES::matches_have_revision(path, commands_file.fileName(), bytes))
+                bytes.clear();
             if (!bytes.isEmpty() && !bytes.endsWith('\n'))
                 bytes += '\n';
         }

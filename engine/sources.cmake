@@ -18,12 +18,12 @@ set(KOR_ENGINE_SOURCES
   ${KOR_ENGINE_DIR}/data/kor_table_data.cpp
   ${KOR_ENGINE_DIR}/data/kor_table_schema.cpp
   ${KOR_ENGINE_DIR}/data/patched_tables.cpp
+  ${KOR_ENGINE_DIR}/data/progress_report_list.cpp
   ${KOR_ENGINE_DIR}/data/tools_metrics.cpp
   ${KOR_ENGINE_DIR}/data/update_command_items.cpp
   ${KOR_ENGINE_DIR}/kor_file_commit.cpp
   ${KOR_ENGINE_DIR}/kor_memory_pool.cpp
   ${KOR_ENGINE_DIR}/kor_permissions.cpp
-  ${KOR_ENGINE_DIR}/kor_query_stubs.cpp
   ${KOR_ENGINE_DIR}/kor_table_io.cpp
   ${KOR_ENGINE_DIR}/kor_unique_ids.cpp
   ${KOR_ENGINE_DIR}/kor_update_command_codec.cpp

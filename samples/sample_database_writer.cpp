@@ -9,7 +9,7 @@
 #include "kor_table_io.h"
 #include "kor_table_schema.h"
 #include "kor_xml_query_interface.h"
-#include "progress_callback.h"
+#include "progress_report_list.h"
 #include "sample_catalogue.h"
 #include "sample_content.h"
 #include "sample_context.h"
@@ -20,85 +20,6 @@
 
 namespace
 {
-// Keeps the engine's errors, so that they reach the caller as text.
-class COLLECTING_PROGRESS : public PROGRESS_CALLBACK
-{
-public:
-    void set_maximum_progress(int) override {}
-    void set_progress_text(const char*) override {}
-    void add_progress(int) override {}
-    bool query(const char*) override { return false; }
-    void reset_progress() override {}
-    void report(const char* text, int severity) override
-    {
-        if (severity >= SEVERITY_WARNING)
-            messages.append(QString::fromUtf8(text ? text : ""));
-    }
-    QStringList messages;
-};
-
-// The type the engine keeps a field's values in (as its readers make them).
-int stored_type(KOR_FIELD_TYPE type)
-{
-    switch (type)
-    {
-    case KFT_YESNO:
-        return QMetaType::Bool;
-    case KFT_INTEGER:
-    case KFT_UNSIGNED_INTEGER:
-    case KFT_AUTONUMBER:
-        return QMetaType::Int;
-    case KFT_SINGLE:
-        return QMetaType::Float;
-    case KFT_DOUBLE:
-    case KFT_DECIMAL:
-        return QMetaType::Double;
-    case KFT_TEXT:
-        return QMetaType::QString;
-    case KFT_DATE_TIME:
-        return QMetaType::QDateTime;
-    case KFT_UNIQUE_ID:
-    case KFT_CARD64:
-        return QMetaType::ULongLong;
-    case KFT_NONE:
-        break;
-    }
-    return QMetaType::UnknownType;
-}
-
-bool stored_value(QString& error, const KOR_FIELD_SCHEMA& field, const QVariant& value, QVariant& out)
-{
-    if (!value.isValid() || value.isNull())
-    {
-        out = field.field_type() == KFT_TEXT ? QVariant(QString(QLatin1String(""))) : QVariant();
-        return true;
-    }
-    // An unsigned field keeps its values as int; a negative one would be
-    // written, and the reader would then refuse the whole table.
-    if (field.field_type() == KFT_UNSIGNED_INTEGER && value.type() == QVariant::Int && value.toInt() < 0)
-    {
-        error = QStringLiteral("'%1' does not fit field '%2': it takes no negative values")
-                    .arg(value.toInt())
-                    .arg(field.field_name());
-        return false;
-    }
-    if (int(value.type()) == stored_type(field.field_type()))
-    {
-        out = value;
-        if (field.field_type() == KFT_DATE_TIME)
-            out = value.toDateTime().toUTC();
-        return true;
-    }
-    QString reason;
-    if (!KOR_RECORD_DATA::convert_string_to_type(reason, out, field.field_type(),
-                                                 KOR_FIELD_DATA::variant_to_text(value)))
-    {
-        error = QStringLiteral("'%1' does not fit field '%2': %3")
-                    .arg(KOR_FIELD_DATA::variant_to_text(value), field.field_name(), reason);
-        return false;
-    }
-    return true;
-}
 } // namespace
 
 bool SAMPLE_DATABASE_WRITER::build_table(QString& error, const KOR_TABLE_SCHEMA& schema,
@@ -115,7 +36,7 @@ bool SAMPLE_DATABASE_WRITER::build_table(QString& error, const KOR_TABLE_SCHEMA&
             QString reason;
             const QVariant given =
                 row.values.contains(name) ? row.values.value(name) : field->default_value();
-            if (!stored_value(reason, *field, given, value))
+            if (!field->stored_value(reason, given, value))
             {
                 error = QStringLiteral("Table '%1': %2").arg(schema.get_table_name(), reason);
                 return false;
@@ -197,7 +118,7 @@ QString build_tables(const SAMPLE_CATALOGUE& catalogue, const SAMPLE_CONTENT& co
 QString write_through_operations(const QString& path, const SAMPLE_CATALOGUE& catalogue,
                                  const SAMPLE_CONTENT& content, quint64 seed, const QStringList& order)
 {
-    COLLECTING_PROGRESS progress;
+    PROGRESS_REPORT_LIST progress;
     KOR_XML_QUERY_INTERFACE database(&progress, QString(), false, false);
     QString error = database.connect_without_merge(path, false);
     if (!error.isEmpty())
@@ -238,7 +159,7 @@ QString write_through_operations(const QString& path, const SAMPLE_CATALOGUE& ca
     if (!error.isEmpty())
         return error;
     QFile::remove(QDir(path).filePath(KOR_TABLE_IO::update_commands_file_name()));
-    return progress.messages.join(QLatin1Char('\n'));
+    return progress.texts(PROGRESS_CALLBACK::SEVERITY_WARNING);
 }
 
 QString write_in_bulk(const QString& path, const SAMPLE_CATALOGUE& catalogue, const SAMPLE_CONTENT& content,

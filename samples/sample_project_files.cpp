@@ -14,10 +14,8 @@
 #include <QFile>
 #include <QFileInfo>
 
-#ifdef SAMPLE_HAS_QUERY_STORE
 #include "kor_query_schema.h"
 #include "kor_query_store.h"
-#endif
 
 namespace
 {
@@ -120,7 +118,6 @@ QString SAMPLE_PROJECT_FILES::write_database_side_files(const QString& database_
                        "# Tables the export tool patches for older saved games.\nland_units\nmain_units\n");
     if (!error.isEmpty())
         return error;
-#ifdef SAMPLE_HAS_QUERY_STORE
     QList<KOR_QUERY_SCHEMA*> owned;
     QList<const KOR_QUERY_SCHEMA*> queries;
     for (const auto& query : SAMPLE_PROJECT_FILES::queries())
@@ -130,7 +127,6 @@ QString SAMPLE_PROJECT_FILES::write_database_side_files(const QString& database_
     }
     error = KOR_QUERY_STORE::save(database_path, queries);
     qDeleteAll(owned);
-#endif
     return error;
 }
 

@@ -1,6 +1,8 @@
 #include "kor_field_schema.h"
 
 #include "case_insensitive_compare_string.h"
+#include "kor_field_data.h"
+#include "kor_record_data.h"
 #include "kor_table_schema.h"
 
 namespace
@@ -349,6 +351,64 @@ bool KOR_FIELD_SCHEMA::is_valid_name(const QString& name)
         const bool digit = c >= '0' && c <= '9';
         if (!letter && !(digit && i > 0))
             return false;
+    }
+    return true;
+}
+
+int KOR_FIELD_SCHEMA::stored_type(KOR_FIELD_TYPE type)
+{
+    switch (type)
+    {
+    case KFT_YESNO:
+        return QMetaType::Bool;
+    case KFT_INTEGER:
+    case KFT_UNSIGNED_INTEGER:
+    case KFT_AUTONUMBER:
+        return QMetaType::Int;
+    case KFT_SINGLE:
+        return QMetaType::Float;
+    case KFT_DOUBLE:
+    case KFT_DECIMAL:
+        return QMetaType::Double;
+    case KFT_TEXT:
+        return QMetaType::QString;
+    case KFT_DATE_TIME:
+        return QMetaType::QDateTime;
+    case KFT_UNIQUE_ID:
+    case KFT_CARD64:
+        return QMetaType::ULongLong;
+    case KFT_NONE:
+        break;
+    }
+    return QMetaType::UnknownType;
+}
+
+bool KOR_FIELD_SCHEMA::stored_value(QString& error, const QVariant& value, QVariant& out) const
+{
+    const int type = stored_type(field_type());
+    if (type == QMetaType::UnknownType)
+    {
+        error = QStringLiteral("Field '%1' has no valid type").arg(field_name());
+        return false;
+    }
+    if (!value.isValid() || value.isNull())
+    {
+        out = field_type() == KFT_TEXT ? QVariant(QString(QLatin1String(""))) : QVariant();
+        return true;
+    }
+    // An unsigned integer is held as an int, so a negative int has the right
+    // type but is no valid value: the table file could not be read back.
+    if (int(value.type()) == type && !(field_type() == KFT_UNSIGNED_INTEGER && value.toInt() < 0))
+    {
+        out = field_type() == KFT_DATE_TIME ? QVariant(value.toDateTime().toUTC()) : value;
+        return true;
+    }
+    QString reason;
+    if (!KOR_RECORD_DATA::convert_string_to_type(reason, out, field_type(), KOR_FIELD_DATA::variant_to_text(value)))
+    {
+        error = QStringLiteral("'%1' is not a valid value for field '%2': %3")
+                    .arg(KOR_FIELD_DATA::variant_to_text(value), field_name(), reason);
+        return false;
     }
     return true;
 }

@@ -170,3 +170,17 @@ void KOR_WORKSPACE_FILES::report_once(KOR_XML_QUERY_INTERFACE& query_interface, 
     query_interface.setProperty(name.constData(), true);
     report(query_interface, text, severity);
 }
+
+bool KOR_WORKSPACE_FILES::matches_have_revision(const QString& database_path, const QString& file,
+                                                const QByteArray& content)
+{
+    QString error;
+    std::unique_ptr<VCS_DEPOT> vcs = depot(error, database_path);
+    if (!vcs)
+        return false;
+    QByteArray have;
+    bool exists = false;
+    if (!vcs->read_file(error, file, QStringLiteral("#have"), have, exists) || !exists)
+        return false;
+    return have == content;
+}

@@ -22,6 +22,11 @@ public:
     // offline use, no workspace above it, or no client program.
     static std::unique_ptr<VCS_DEPOT> depot(QString& error, const QString& database_path);
 
+    // Whether a file of the database folder holds exactly the bytes of its
+    // have revision. False without a depot or when the depot has no such file.
+    static bool matches_have_revision(const QString& database_path, const QString& file,
+                                      const QByteArray& content);
+
     enum KIND
     {
         TABLE_DATA,   // "<table>.xml" at the top of the folder

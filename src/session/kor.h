@@ -30,6 +30,7 @@
 #include "p4_connection.h"
 #include "patched_tables.h"
 #include "progress_callback.h"
+#include "progress_report_list.h"
 #include "qt_workarounds.h"
 #include "relationship_data.h"
 #include "tools_metrics.h"

@@ -117,6 +117,15 @@ public:
     // name can never reach outside the database folder as a file name.
     static bool is_valid_name(const QString& name);
 
+    // The QMetaType a field of that type keeps its values in, UnknownType for
+    // no type.
+    static int stored_type(KOR_FIELD_TYPE type);
+    // A value as this field keeps it: converted to the stored type (texts
+    // parsed, date-times in UTC), empty values as an empty text for a text
+    // field and as no value otherwise. False with the reason when the value
+    // does not fit, also for a negative unsigned integer.
+    bool stored_value(QString& error, const QVariant& value, QVariant& out) const;
+
 private:
     friend class KOR_TABLE_SCHEMA;
     void copy_attributes(const KOR_FIELD_SCHEMA& other);

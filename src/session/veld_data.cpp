@@ -2,6 +2,7 @@
 
 #include "kor_db_file.h"
 #include "kor_xml_query_interface.h"
+#include "p4_connection.h"
 #include "project_path_set.h"
 #include "prompt.h"
 
@@ -70,6 +71,11 @@ void VELD_DATA::work_out_paths()
         KOR_DB_FILE::set_single_db_mode(true);
         m_connect_path = override_path.isEmpty() ? m_binaries_path + QStringLiteral("/db") : override_path;
     }
+
+    // Depot commands the windows run without naming a file (a bare sync, the
+    // client root) belong to this project's workspace, whatever the current
+    // directory of the host.
+    P4_CONNECTION::set_default_start_directory(m_connect_path);
 
     if (!m_read_only_offline && !QDir(m_connect_path).exists())
         emit statusUpdate(QStringLiteral("Connect path '") + m_connect_path +

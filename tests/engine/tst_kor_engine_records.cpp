@@ -485,6 +485,8 @@ void TST_KOR_ENGINE_RECORDS::values_take_their_field_type_data()
     QTest::newRow("word into integer") << "count" << QVariant(QStringLiteral("many")) << "" << false;
     QTest::newRow("number into text") << "label" << QVariant(7) << "7" << true;
     QTest::newRow("cleared integer") << "count" << QVariant() << "" << true;
+    QTest::newRow("negative int into unsigned") << "amount" << QVariant(-4) << "" << false;
+    QTest::newRow("int into unsigned") << "amount" << QVariant(4) << "4" << true;
 }
 
 void TST_KOR_ENGINE_RECORDS::values_take_their_field_type()
@@ -497,7 +499,8 @@ void TST_KOR_ENGINE_RECORDS::values_take_their_field_type()
     db.table(QStringLiteral("things"),
              {TEST_FIELD::key(QStringLiteral("key")), TEST_FIELD::plain(QStringLiteral("flag"), KFT_YESNO),
               TEST_FIELD::plain(QStringLiteral("count"), KFT_INTEGER),
-              TEST_FIELD::plain(QStringLiteral("label"), KFT_TEXT)})
+              TEST_FIELD::plain(QStringLiteral("label"), KFT_TEXT),
+              TEST_FIELD::plain(QStringLiteral("amount"), KFT_UNSIGNED_INTEGER)})
         .record(QStringLiteral("things"), {{"key", "a"}, {"count", 1}});
     QVERIFY2(db.ok(), qPrintable(db.error()));
     KOR_XML_QUERY_INTERFACE& engine = db.query_interface();

@@ -168,9 +168,9 @@ private slots:
         QTest::addColumn<QString>("second_key");
         QTest::addColumn<QString>("message");
         QTest::newRow("text in a number") << QVariant("many") << "b"
-                                          << "'many' does not fit field 'men'";
+                                          << "'many' is not a valid value for field 'men'";
         QTest::newRow("negative unsigned") << QVariant(-4) << "b"
-                                           << "'-4' does not fit field 'men'";
+                                           << "'-4' is not a valid value for field 'men'";
         QTest::newRow("key twice") << QVariant(5) << "a"
                                    << "Key 'a' exists already in table 'units'";
         QTest::newRow("empty key") << QVariant(5) << ""

@@ -20,30 +20,16 @@
 #include "test_folder.h"
 #include "test_helpers.h"
 
+#include "progress_report_list.h"
+
 #include <QtTest/QtTest>
 
 namespace
 {
-class REPORTS : public PROGRESS_CALLBACK
-{
-public:
-    void set_maximum_progress(int) override {}
-    void set_progress_text(const char*) override {}
-    void add_progress(int) override {}
-    bool query(const char*) override { return false; }
-    void reset_progress() override {}
-    void report(const char* text, int severity) override
-    {
-        if (severity > 0)
-            problems.append(QString::fromUtf8(text));
-    }
-    QStringList problems;
-};
-
 struct DATABASE
 {
     QString path;
-    std::unique_ptr<REPORTS> reports = std::make_unique<REPORTS>();
+    std::unique_ptr<PROGRESS_REPORT_LIST> reports = std::make_unique<PROGRESS_REPORT_LIST>();
     std::unique_ptr<KOR_XML_QUERY_INTERFACE> engine;
     SAMPLE_CONTENT content;
 };
@@ -163,8 +149,8 @@ private slots:
         }());
         for (const QString& name : names.keys())
             QVERIFY2(table(size, name), qPrintable(name));
-        QVERIFY2(database(size).reports->problems.isEmpty(),
-                 qPrintable(database(size).reports->problems.join("\n")));
+        QVERIFY2(database(size).reports->texts(PROGRESS_CALLBACK::SEVERITY_WARNING).isEmpty(),
+                 qPrintable(database(size).reports->texts(PROGRESS_CALLBACK::SEVERITY_WARNING)));
         QVERIFY(!QFile::exists(database(size).path + "/update_commands.txt"));
     }
 
@@ -518,7 +504,7 @@ private slots:
         QCOMPARE(engine.get_query_schemas().size(), queries.size());
         for (const auto& query : queries)
             QVERIFY2(engine.get_query_schema(query.first), qPrintable(query.first));
-        QVERIFY2(database("small").reports->problems.isEmpty(), "every saved query reads");
+        QVERIFY2(database("small").reports->texts(PROGRESS_CALLBACK::SEVERITY_WARNING).isEmpty(), "every saved query reads");
     }
 
     void forms_name_tables_and_fields_that_exist()

@@ -67,20 +67,6 @@ KOR_FIELD_SCHEMA* TEST_FIELD::make() const
     return field;
 }
 
-void TEST_PROGRESS::report(const char* text, int severity)
-{
-    reports.append(qMakePair(QString::fromUtf8(text ? text : ""), severity));
-}
-
-QString TEST_PROGRESS::texts(int minimum_severity) const
-{
-    QStringList result;
-    for (const auto& entry : reports)
-        if (entry.second >= minimum_severity)
-            result.append(entry.first);
-    return result.join(QLatin1Char('\n'));
-}
-
 TEST_DATABASE_BUILDER::TEST_DATABASE_BUILDER(const QString& path, PROGRESS_CALLBACK* progress)
     : m_path(path), m_interface(new KOR_XML_QUERY_INTERFACE(progress, QString(), false, false))
 {

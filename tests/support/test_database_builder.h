@@ -11,7 +11,7 @@
 // stopping, so a test checks once at the end.
 
 #include "kor_field_type.h"
-#include "progress_callback.h"
+#include "progress_report_list.h"
 
 #include <QList>
 #include <QPair>
@@ -53,22 +53,8 @@ struct TEST_FIELD
     KOR_FIELD_SCHEMA* make() const;
 };
 
-// A progress sink that keeps every report.
-class TEST_PROGRESS : public PROGRESS_CALLBACK
-{
-public:
-    void set_maximum_progress(int) override {}
-    void set_progress_text(const char*) override {}
-    void add_progress(int) override {}
-    bool query(const char*) override { return false; }
-    void reset_progress() override {}
-    void report(const char* text, int severity) override;
-
-    QList<QPair<QString, int>> reports;
-    // Reports of at least that severity, joined by line feeds.
-    QString texts(int minimum_severity) const;
-    void clear() { reports.clear(); }
-};
+// The tests keep their name for the shared sink that keeps every report.
+using TEST_PROGRESS = PROGRESS_REPORT_LIST;
 
 class TEST_DATABASE_BUILDER
 {

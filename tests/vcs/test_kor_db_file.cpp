@@ -7,31 +7,13 @@
 #include "progress_callback.h"
 #include "vcs_depot.h"
 
+#include "progress_report_list.h"
+
 #include <QStandardPaths>
 #include <QtTest/QtTest>
 
 namespace
 {
-// Keeps what the shelving reports.
-class RECORDING_PROGRESS : public PROGRESS_CALLBACK
-{
-public:
-    QStringList messages;
-    int errors = 0;
-
-    void set_maximum_progress(int) override {}
-    void set_progress_text(const char*) override {}
-    void add_progress(int) override {}
-    bool query(const char*) override { return false; }
-    void reset_progress() override {}
-    void report(const char* text, int severity) override
-    {
-        messages.append(QString::fromUtf8(text));
-        if (severity == SEVERITY_ERROR)
-            ++errors;
-    }
-};
-
 const QByteArray units_v1("<units>\n<unit key=\"archer\"/>\n</units>\n");
 const QByteArray spells_v1("<spells/>\n");
 } // namespace
@@ -84,9 +66,9 @@ private slots:
         make_changes();
         const QByteArray edited = GIT_SANDBOX::read(file(QStringLiteral("units.xml")));
         QVERIFY(KOR_DB_FILE::local_db_exists_with_changes(db));
-        RECORDING_PROGRESS progress;
+        PROGRESS_REPORT_LIST progress;
         QVERIFY2(KOR_DB_FILE::shelve_db(db, QStringLiteral("army_work"), &progress, true),
-                 qPrintable(progress.messages.join('\n')));
+                 qPrintable(progress.texts(0)));
         QCOMPARE(KOR_DB_FILE::shelved_dbs(db), QStringList{QStringLiteral("army_work")});
         QVERIFY(!KOR_DB_FILE::shelf_folder(db).startsWith(db));
         // Deleting the local changes after shelving leaves the depot's state.
@@ -96,12 +78,12 @@ private slots:
         QVERIFY(!QFileInfo::exists(file(QStringLiteral("heroes.xml"))));
 
         QVERIFY2(KOR_DB_FILE::unshelve_db(db, QStringLiteral("army_work"), &progress, true),
-                 qPrintable(progress.messages.join('\n')));
+                 qPrintable(progress.texts(0)));
         QCOMPARE(GIT_SANDBOX::read(file(QStringLiteral("units.xml"))), edited);
         QCOMPARE(GIT_SANDBOX::read(file(QStringLiteral("heroes.xml"))), QByteArray("<heroes/>\n"));
         QVERIFY(!QFileInfo::exists(file(QStringLiteral("spells.xml"))));
         QVERIFY(KOR_DB_FILE::shelved_dbs(db).isEmpty());
-        QCOMPARE(progress.errors, 0);
+        QCOMPARE(progress.count(PROGRESS_CALLBACK::SEVERITY_ERROR), 0);
     }
 
     void shelving_keeps_the_local_changes_unless_asked()
@@ -117,7 +99,7 @@ private slots:
         make_changes();
         QVERIFY(KOR_DB_FILE::shelve_db(db, QStringLiteral("first"), nullptr, true));
         GIT_SANDBOX::write(file(QStringLiteral("spells.xml")), "<spells>other work</spells>\n");
-        RECORDING_PROGRESS progress;
+        PROGRESS_REPORT_LIST progress;
         QVERIFY(KOR_DB_FILE::unshelve_db(db, QStringLiteral("first"), &progress, false));
         const QStringList shelves = KOR_DB_FILE::shelved_dbs(db);
         QCOMPARE(shelves.size(), 2);
@@ -178,11 +160,11 @@ private slots:
             make_changes();
         QVERIFY(KOR_DB_FILE::shelve_db(db, QStringLiteral("taken"), nullptr, false) == changes);
         KOR_DB_FILE::set_single_db_mode(single_database);
-        RECORDING_PROGRESS progress;
+        PROGRESS_REPORT_LIST progress;
         const bool shelved = KOR_DB_FILE::shelve_db(db, name, &progress, true);
         KOR_DB_FILE::set_single_db_mode(false);
         QVERIFY(!shelved);
-        QVERIFY2(progress.messages.join('\n').contains(message), qPrintable(progress.messages.join('\n')));
+        QVERIFY2(progress.texts(0).contains(message), qPrintable(progress.texts(0)));
         // Nothing local went anywhere.
         QCOMPARE(KOR_DB_FILE::local_db_exists_with_changes(db), changes);
         QVERIFY(!KOR_DB_FILE::unshelve_db(db, QStringLiteral("never_made"), &progress, false));
@@ -194,11 +176,11 @@ private slots:
         const QString plain = sandbox->path(QStringLiteral("plain/db"));
         GIT_SANDBOX::write(plain + QStringLiteral("/units.xml"), units_v1);
         QVERIFY(!KOR_DB_FILE::local_db_exists_with_changes(plain));
-        RECORDING_PROGRESS progress;
+        PROGRESS_REPORT_LIST progress;
         QVERIFY(!KOR_DB_FILE::shelve_db(plain, QStringLiteral("nothing"), &progress, true));
         QVERIFY2(
-            progress.messages.join('\n').contains(QLatin1String("not in a workspace under version control")),
-            qPrintable(progress.messages.join('\n')));
+            progress.texts(0).contains(QLatin1String("not in a workspace under version control")),
+            qPrintable(progress.texts(0)));
         QCOMPARE(GIT_SANDBOX::read(plain + QStringLiteral("/units.xml")), units_v1);
     }
 };

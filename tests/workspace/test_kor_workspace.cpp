@@ -174,6 +174,36 @@ private slots:
         QCOMPARE(GIT_SANDBOX::read(in(b_db, QStringLiteral("heroes.xml"))), QByteArray("<heroes/>\n"));
     }
 
+    // The commands file describes the change being prepared: after a submit
+    // the next schema change starts it afresh instead of repeating the old
+    // commands in the next revision.
+    void commands_file_starts_afresh_after_a_submit()
+    {
+        const QString commands = in(a_db, QStringLiteral("update_commands.txt"));
+        auto add_table = [&](const QString& name) {
+            KOR_XML_QUERY_INTERFACE engine(nullptr, QString(), false, false);
+            QVERIFY(engine.connect_without_merge(a_db, false).isEmpty());
+            const auto schema = TEST_DATABASE_BUILDER::make_schema(name, {TEST_FIELD::key(QStringLiteral("key"))});
+            QVERIFY(engine.add_table(*schema, QString(), QString()).isEmpty());
+            QVERIFY(engine.disconnect().isEmpty());
+        };
+        add_table(QStringLiteral("heroes"));
+        KOR_XML_QUERY_INTERFACE query(nullptr, QString(), false, false);
+        QString error;
+        QVERIFY2(query.lock_for_submit(error, a_db, QString()), qPrintable(error));
+        QVERIFY2(query.submit_locked(error, QStringLiteral("Heroes"), a_db), qPrintable(error));
+        QVERIFY(GIT_SANDBOX::read(commands).contains("heroes"));
+
+        add_table(QStringLiteral("villains"));
+        const QByteArray after = GIT_SANDBOX::read(commands);
+        QVERIFY(after.contains("villains"));
+        QVERIFY2(!after.contains("heroes"), after.constData());
+
+        // Not yet submitted: a further change adds to it.
+        add_table(QStringLiteral("mercenaries"));
+        QVERIFY(GIT_SANDBOX::read(commands).contains("villains"));
+    }
+
     void submit_refuses_when_out_of_date_and_keeps_the_work()
     {
         KOR_XML_QUERY_INTERFACE query(nullptr, QString(), false, false);

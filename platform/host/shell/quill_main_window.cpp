@@ -151,7 +151,8 @@ void QUILL_MAIN_WINDOW::build_plugin_menus()
         const QString name = plugin->description.name.isEmpty() ? QFileInfo(plugin->file).baseName()
                                                                 : plugin->description.name;
         auto* menu = new QMenu(name, menuBar());
-        menu->setIcon(plugin->description.icon);
+        // No icon on the menu itself: a menu bar shows an icon instead of the
+        // title, and the plugin's name is what users look for.
         menu->addActions(plugin->actions);
         menu->setEnabled(plugin->description.enabled);
         menuBar()->insertMenu(m_help_menu->menuAction(), menu);

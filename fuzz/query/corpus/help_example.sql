@@ -1,0 +1,1 @@
+SELECT [main_units.land_unit] FROM [main_units] WHERE [main_units.min_men_per_ship] = 5

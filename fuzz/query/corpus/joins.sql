@@ -1,0 +1,1 @@
+SELECT [a.x], [b.*] FROM [a] JOIN [b] ON [a.k] = [b.k] INNER JOIN [c] AS z ON [b.j] = [z.j] WHERE NOT ([a.x] <> 'it''s' OR [b.y] >= -1.5e3) AND [z.n] LIKE 'A!%_' ESCAPE '!'

@@ -1,0 +1,3 @@
+SELECT [t.f] -- comment
+FROM [t]
+WHERE [t].[g] != 2

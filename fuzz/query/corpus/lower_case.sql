@@ -1,0 +1,1 @@
+select t.a, * from t where t.a is not null or (t.b = true and t.c <= 18446744073709551615);
