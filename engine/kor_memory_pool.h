@@ -35,8 +35,20 @@ public:
 private:
     void* allocate_in_new_block(std::size_t size, std::size_t alignment);
 
-    static constexpr std::size_t BLOCK_SIZE = 1 << 20;
-    std::vector<char*> m_blocks;
+    struct BLOCK
+    {
+        char* start;
+        std::size_t size;
+        bool mapped; // from the system directly, in huge pages where it can
+    };
+    static BLOCK new_block(std::size_t size);
+
+    // Blocks grow from the first size to the largest, so that a table of a
+    // few records takes little and one of a million takes few blocks.
+    static constexpr std::size_t FIRST_BLOCK_SIZE = std::size_t(1) << 16;
+    static constexpr std::size_t LARGEST_BLOCK_SIZE = std::size_t(1) << 24;
+    std::vector<BLOCK> m_blocks;
+    std::size_t m_next_block_size = FIRST_BLOCK_SIZE;
     char* m_current = nullptr;
     std::size_t m_left = 0;
     std::size_t m_reserved = 0;

@@ -905,20 +905,20 @@ bool KOR_TABLE_IO::read_table_buffer(QString& error, char* buffer, size_t size, 
 
 namespace
 {
-void write_value(KOR_XML_OUTPUT& output, const QVariant& value)
+// A value that is not an empty one; texts are written by the caller. The
+// type is asked once a field by the caller: the calls added up over the
+// millions of values of a large table.
+void write_value(KOR_XML_OUTPUT& output, const QVariant& value, int type)
 {
-    switch (int(value.type()))
+    switch (type)
     {
-    case QMetaType::QString:
-        output.text(*static_cast<const QString*>(value.constData()));
-        break;
     case QMetaType::Float:
     case QMetaType::Double:
     {
         // The texts variant_to_text gives (shortest round trip), without
         // making a QString of each.
         char buffer[40];
-        const auto result = value.userType() == QMetaType::Float
+        const auto result = type == QMetaType::Float
                                 ? std::to_chars(buffer, buffer + sizeof buffer, value.toFloat())
                                 : std::to_chars(buffer, buffer + sizeof buffer, value.toDouble());
         output.raw(buffer, result.ptr - buffer);
@@ -950,15 +950,6 @@ void write_value(KOR_XML_OUTPUT& output, const QVariant& value)
         output.text(KOR_FIELD_DATA::variant_to_text(value));
         break;
     }
-}
-
-bool value_is_empty(const QVariant& value)
-{
-    if (!value.isValid())
-        return true;
-    if (value.type() == QVariant::String)
-        return static_cast<const QString*>(value.constData())->isEmpty();
-    return false;
 }
 
 } // namespace
@@ -1041,13 +1032,20 @@ bool KOR_TABLE_IO::write_table(QString& error, QIODevice& device, const KOR_TABL
                 if (field->requires_recording())
                     output.raw(" requires_recording=\"true\"");
             }
-            if (value_is_empty(field->m_value))
+            const QVariant& value = field->m_value;
+            const int type = value.isValid() ? value.userType() : int(QMetaType::UnknownType);
+            const QString* text =
+                type == QMetaType::QString ? static_cast<const QString*>(value.constData()) : nullptr;
+            if (type == QMetaType::UnknownType || (text && text->isEmpty()))
             {
                 output.raw("/>\n", 3);
                 continue;
             }
             output.raw('>');
-            write_value(output, field->m_value);
+            if (text)
+                output.text(*text);
+            else
+                write_value(output, value, type);
             output.raw("</", 2);
             output.raw(name.constData(), name.size());
             output.raw(">\n", 2);

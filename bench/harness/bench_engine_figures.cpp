@@ -117,16 +117,18 @@ void load_and_memory(const CONTEXT& context)
     const KOR_TABLE_DATA* table = engine.get_table_data(error, context.big_table);
     const double heap = BENCH_MEASURE::heap_bytes() - heap_before;
     const double resident = BENCH_MEASURE::resident_bytes() - resident_before;
+    // Resident memory counts everything: the heap and the blocks the engine
+    // maps for its records, which malloc's figures leave out.
     BENCH_FIGURE memory;
-    memory.name = QStringLiteral("memory of the loaded table (heap)");
+    memory.name = QStringLiteral("memory of the loaded table (resident)");
     memory.unit = QStringLiteral("MB");
-    memory.ours = heap / 1e6;
+    memory.ours = resident / 1e6;
     memory.baseline_name = QStringLiteral("XML size");
     memory.baseline = double(size) / 1e6;
     memory.target_ratio = 2.5;
-    memory.note = QStringLiteral("%1 records; resident grew %2 MB")
+    memory.note = QStringLiteral("%1 records; of it malloc's heap %2 MB")
                       .arg(table ? table->record_count() : 0)
-                      .arg(resident / 1e6, 0, 'f', 0);
+                      .arg(heap / 1e6, 0, 'f', 0);
     report.add(memory);
 }
 
