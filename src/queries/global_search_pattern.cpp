@@ -68,7 +68,11 @@ GLOBAL_SEARCH_PATTERN::GLOBAL_SEARCH_PATTERN(const QString& pattern, Qt::CaseSen
         for (const QChar unit : part)
             if (unit != QLatin1Char('?') && !m_literals.contains(unit))
                 m_literals.append(unit);
+        m_shortest += part.size();
     }
+    // Without a star an exact match has the pattern's length.
+    if (exact_match && !folded.contains(QLatin1Char('*')))
+        m_longest = m_shortest;
 }
 
 bool GLOBAL_SEARCH_PATTERN::can_match_type(KOR_FIELD_TYPE type) const
@@ -130,12 +134,7 @@ int GLOBAL_SEARCH_PATTERN::find_piece(const PIECE& piece, const QChar* text, int
     return -1;
 }
 
-bool GLOBAL_SEARCH_PATTERN::matches(const QString& text) const
-{
-    return matches(text.constData(), text.size());
-}
-
-bool GLOBAL_SEARCH_PATTERN::matches(const QChar* text, int length) const
+bool GLOBAL_SEARCH_PATTERN::match(const QChar* text, int length) const
 {
     if (m_use_regexp)
     {

@@ -24,8 +24,14 @@ public:
     Qt::CaseSensitivity case_sensitivity() const { return m_case_sensitivity; }
     bool exact_match() const { return m_exact_match; }
 
-    bool matches(const QString& text) const;
-    bool matches(const QChar* text, int length) const;
+    bool matches(const QString& text) const { return matches(text.constData(), text.size()); }
+    bool matches(const QChar* text, int length) const
+    {
+        // Most values of a large search are shorter than what is sought.
+        if (length < m_shortest || (m_longest >= 0 && length > m_longest))
+            return false;
+        return match(text, length);
+    }
 
     // False when no value of the type can match, whatever its value: the
     // pattern holds a character that the type's text never shows (a letter
@@ -40,6 +46,7 @@ private:
         bool has_any = false;
     };
 
+    bool match(const QChar* text, int length) const;
     bool piece_at(const PIECE& piece, const QChar* text) const;
     // The first place at or after `from` where the piece matches, or -1.
     int find_piece(const PIECE& piece, const QChar* text, int from, int length) const;
@@ -55,4 +62,7 @@ private:
     bool m_trailing_star = false;
     // The pattern's literal characters (lower case when the case is ignored).
     QString m_literals;
+    // The lengths a matching text can have (-1: any length above the shortest).
+    int m_shortest = 0;
+    int m_longest = -1;
 };
