@@ -22,7 +22,7 @@ QString CLI_QUERY_COMMAND::description() const
 {
     return QStringLiteral(
         "Runs SQL, a statement of the editor's simple SQL (SELECT ... FROM [table] [JOIN [table] ON\n"
-        "[a.field] = [b.field]] [WHERE ...]), on the database in the folder DB.\n"
+        "[a.field] = [b.field]] [WHERE ...]; docs/simple-sql.md), on the database in the folder DB.\n"
         "\n"
         "Prints a header line with the result's field names, then one row a line, tab-separated (tabs,\n"
         "line breaks and backslashes in values as \\t, \\n, \\r and \\\\), in the order the statement\n"
