@@ -1,16 +1,81 @@
 #include "veld_table_diff_data.h"
 
+#include "case_insensitive_compare_string.h"
 #include "kor_field_data.h"
 #include "kor_record_data.h"
 #include "kor_table_data.h"
 #include "kor_xml_query_interface.h"
 #include "veld_diff_data.h"
 
+#include <QDateTime>
+
+#include <cstring>
+
 namespace
 {
+// Values are compared as the texts QVariant::toString gives. Making those
+// texts for every value of two large tables took most of a comparison, so
+// equal values of one type, whose texts are necessarily equal, are known
+// without them; every other pair is still compared by its texts.
 bool values_differ(const KOR_FIELD_DATA* a, const KOR_FIELD_DATA* b)
 {
-    return a->value().toString() != b->value().toString();
+    const QVariant& left = a->value();
+    const QVariant& right = b->value();
+    const int type = left.userType();
+    if (type == right.userType())
+    {
+        switch (type)
+        {
+        case QMetaType::UnknownType:
+            return false;
+        case QMetaType::QString:
+            return *static_cast<const QString*>(left.constData()) !=
+                   *static_cast<const QString*>(right.constData());
+        case QMetaType::Bool:
+        case QMetaType::Int:
+        case QMetaType::UInt:
+        case QMetaType::LongLong:
+        case QMetaType::ULongLong:
+            return left != right;
+        case QMetaType::Double:
+        case QMetaType::Float:
+        {
+            // The same bits show the same text; 0 and -0 are equal numbers but
+            // not equal texts.
+            const double x = left.toDouble();
+            const double y = right.toDouble();
+            if (std::memcmp(&x, &y, sizeof x) == 0)
+                return false;
+            break;
+        }
+        case QMetaType::QDateTime:
+        {
+            const QDateTime& x = *static_cast<const QDateTime*>(left.constData());
+            const QDateTime& y = *static_cast<const QDateTime*>(right.constData());
+            if (x == y && x.timeSpec() == y.timeSpec() && x.offsetFromUtc() == y.offsetFromUtc())
+                return false;
+            break;
+        }
+        default:
+            break;
+        }
+    }
+    return left.toString() != right.toString();
+}
+
+// The field of the other record with the same name ignoring case: records
+// of one table hold their fields in the same order, so the same place is
+// tried before a search.
+const KOR_FIELD_DATA* same_field(const KOR_FIELD_DATA_MAP& other, int index,
+                                 const CASE_INSENSITIVE_COMPARE_STRING& name)
+{
+    if (index < other.size())
+    {
+        const KOR_FIELD_DATA* candidate = other.at(index);
+        if (CASE_INSENSITIVE_COMPARE_STRING::compare(candidate->field_name(), name.string()) == 0)
+            return candidate;
+    }
+    return other.value(name);
 }
 } // namespace
 
@@ -38,11 +103,13 @@ bool VELD_TABLE_DIFF_DATA::records_differ(const KOR_RECORD_DATA& db1_record,
 {
     if (db1_record.field_count() != db2_record.field_count())
         return true;
+    const KOR_FIELD_DATA_MAP& fields = db1_record.field_map();
     const KOR_FIELD_DATA_MAP& other = db2_record.field_map();
-    for (auto it = db1_record.field_map().begin(); it != db1_record.field_map().end(); ++it)
+    for (int index = 0; index < fields.size(); ++index)
     {
-        const KOR_FIELD_DATA* match = other.value(it.key());
-        if (!match || values_differ(it.value(), match))
+        const KOR_FIELD_DATA* field = fields.at(index);
+        const KOR_FIELD_DATA* match = same_field(other, index, field->field_name());
+        if (!match || values_differ(field, match))
             return true;
     }
     return false;

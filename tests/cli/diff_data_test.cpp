@@ -264,6 +264,15 @@ void DIFF_DATA_TEST::records_compare_by_uuid_data()
         << plain << "key!:text,cost:text"
         << "1:key=a,cost=1"
         << "1:key=a,cost=1" << QStringList() << QStringList() << QStringList() << QStringList();
+    const QString measured = QStringLiteral("key!:text,weight:double,seen:date_time");
+    QTest::newRow("-0 and 0 show one text")
+        << measured << measured << "1:key=a,weight=-0,seen=2024-01-01T00:00:00.000Z"
+        << "1:key=a,weight=0,seen=2024-01-01T00:00:00.000Z" << QStringList() << QStringList() << QStringList()
+        << QStringList();
+    QTest::newRow("a millisecond later")
+        << measured << measured << "1:key=a,weight=1.5,seen=2024-01-01T00:00:00.000Z"
+        << "1:key=a,weight=1.5,seen=2024-01-01T00:00:00.001Z" << QStringList() << QStringList()
+        << QStringList{"a"} << QStringList{"seen"};
     QTest::newRow("a field more") << plain << "key!:text,cost:integer,note:text"
                                   << "1:key=a,cost=5"
                                   << "1:key=a,cost=5" << QStringList() << QStringList() << QStringList{"a"}
