@@ -1,12 +1,16 @@
 #include "veld_table_data_editor.h"
 
+#include <QtCore/QTimer>
+
 #include "cascade_update_dialog.h"
+#include "csv_table_reader.h"
 #include "kor_field_schema.h"
 #include "kor_table_schema.h"
 #include "kor_xml_query_interface.h"
 #include "orbin_settings.h"
 #include "prompt.h"
 #include "qt_workarounds.h"
+#include "veld_csv_merge_plan.h"
 #include "veld_data.h"
 #include "veld_form_type.h"
 #include "veld_frozen_columns_table.h"
@@ -14,6 +18,7 @@
 #include "veld_regex_filter_widget.h"
 #include "veld_table_data_view_delegate.h"
 #include "veld_table_layout.h"
+#include "veld_table_mass_operation.h"
 #include "veld_table_model_prompts.h"
 #include "veld_window_opener.h"
 #include "veld_window_registry.h"
@@ -85,6 +90,11 @@ VELD_TABLE_DATA_EDITOR::VELD_TABLE_DATA_EDITOR(const QString& table_key, VELD_DA
     m_view->horizontalHeader()->setSectionsMovable(true);
     m_view->setSelectionMode(QAbstractItemView::ExtendedSelection);
     m_ui.view_place->addWidget(m_view);
+    m_view->installEventFilter(this);
+    m_view->frozen_view()->installEventFilter(this);
+    m_search = std::make_unique<VELD_TABLE_SEARCH>(m_view, &m_proxy, this);
+    m_cell_edits = std::make_unique<VELD_TABLE_CELL_EDITS>(
+        m_view, &m_proxy, this, [this](const QString& text) { emit statusUpdate(text); });
 
     KOR_XML_QUERY_INTERFACE* query_interface = m_session ? m_session->query_interface() : nullptr;
     if (query_interface && query_interface->is_read_only())
@@ -324,14 +334,6 @@ void VELD_TABLE_DATA_EDITOR::show_counts()
     m_ui.showing->setText(QString::number(m_proxy.sourceModel() ? m_proxy.rowCount() : 0));
 }
 
-void VELD_TABLE_DATA_EDITOR::not_available(const QString& what)
-{
-    if (m_reported_unavailable.contains(what))
-        return;
-    m_reported_unavailable.append(what);
-    emit statusUpdate(what + QStringLiteral(" is not available yet"));
-}
-
 // ---------------------------------------------------------------------------
 // Colours, status and title
 
@@ -357,21 +359,19 @@ void VELD_TABLE_DATA_EDITOR::changedFlagUpdate(bool changed)
 void VELD_TABLE_DATA_EDITOR::connectionEstablished() {}
 
 // ---------------------------------------------------------------------------
-// The tools of the find, paste and import work, not there yet
+// Multi-cell edits, find and replace, CSV import
 
 void VELD_TABLE_DATA_EDITOR::handle_multi_cell_editing(const QString& value)
 {
-    Q_UNUSED(value)
-    if (m_view->selectionModel() && m_view->selectionModel()->selectedIndexes().size() >= 2)
-        not_available(QStringLiteral("Typing into several selected cells"));
+    if (!m_read_only)
+        m_cell_edits->edit_selected_cells(value);
 }
 
 void VELD_TABLE_DATA_EDITOR::handle_multi_cell_arithmetic(
     double value, std::function<double(double, double)> custom_operator)
 {
-    Q_UNUSED(value)
-    Q_UNUSED(custom_operator)
-    not_available(QStringLiteral("Arithmetic on selected cells"));
+    if (!m_read_only)
+        m_cell_edits->apply_arithmetic(value, custom_operator);
 }
 
 void VELD_TABLE_DATA_EDITOR::handle_multi_cell_arithmetic(double value)
@@ -381,18 +381,98 @@ void VELD_TABLE_DATA_EDITOR::handle_multi_cell_arithmetic(double value)
 
 void VELD_TABLE_DATA_EDITOR::onDataImport()
 {
-    not_available(QStringLiteral("CSV import"));
+    if (m_read_only || !m_table_schema)
+        return;
+    QString directory = m_session ? m_session->csv_import_path() : QString();
+    while (directory.size() > 1 && directory.endsWith(QLatin1Char('/')))
+        directory.chop(1);
+    if (prompt::question(this, QStringLiteral("Table Data Editor"),
+                         QStringLiteral("Do you wish to import data for ") + m_table_key +
+                             QStringLiteral(" from ") + directory + QLatin1Char('/') + m_table_key +
+                             QStringLiteral(".csv?"),
+                         QMessageBox::Yes | QMessageBox::No, QMessageBox::No) != QMessageBox::Yes)
+        return;
+    OVERRIDE_CURSOR busy(Qt::BusyCursor);
+    CSV_TABLE_READER reader(directory, m_table_schema);
+    if (reader.read())
+        import_csv_rows(reader);
+    for (const QString& message : reader.messages())
+        emit statusUpdate(message);
+    m_proxy.invalidate();
+    m_view->update_frozen_geometry();
+    show_counts();
+}
+
+void VELD_TABLE_DATA_EDITOR::import_csv_rows(const CSV_TABLE_READER& reader)
+{
+    QStringList column_names;
+    for (int column = 0; column < m_model.columnCount(); ++column)
+        column_names.append(m_model.headerData(column, Qt::Horizontal, Qt::DisplayRole).toString());
+    const QHash<QString, int> live_rows = VELD_CSV_MERGE_PLAN::live_rows_by_key(
+        m_model.rowCount(), [this](int row) { return m_model.record_key(row); },
+        [this](int row) { return m_model.is_deleted_row(row) || m_model.is_deleted_new_row(row); });
+    const QVector<VELD_CSV_MERGE_PLAN::STEP> steps =
+        VELD_CSV_MERGE_PLAN::make(reader.values(), column_names, live_rows);
+    // A file of many rows over values other tables use asks the cascade
+    // question once when the user keeps the answer.
+    VELD_TABLE_MASS_OPERATION mass_operation(&m_model);
+    for (const VELD_CSV_MERGE_PLAN::STEP& step : steps)
+    {
+        const int row = step.row >= 0 ? step.row : m_model.add_record();
+        if (row < 0)
+            continue;
+        for (const auto& cell : step.cells)
+            m_model.setData(m_model.index(row, cell.first), cell.second, Qt::EditRole);
+    }
+}
+
+VELD_TABLE_SEARCH::TERMS VELD_TABLE_DATA_EDITOR::search_terms(const QString& text, const QString& field,
+                                                              int direction, bool underlying) const
+{
+    VELD_TABLE_SEARCH::TERMS terms;
+    terms.text = text;
+    terms.field = field;
+    terms.direction = direction;
+    terms.underlying = underlying;
+    terms.case_sensitive = m_find_dialog && m_find_dialog->case_sensitive();
+    terms.in_selection = m_find_dialog && m_find_dialog->in_selection();
+    return terms;
+}
+
+void VELD_TABLE_DATA_EDITOR::remember_terms(const QString& text, const QString& field, bool underlying)
+{
+    m_search_text = text;
+    m_search_field = field;
+    m_search_underlying = underlying;
+}
+
+void VELD_TABLE_DATA_EDITOR::show_find_dialog(FIND_AND_REPLACE_DIALOG::MODE mode)
+{
+    if (!m_find_dialog)
+    {
+        m_find_dialog = new FIND_AND_REPLACE_DIALOG(
+            m_table_key, m_table_schema ? QStringList(m_table_schema->column_ordering()) : QStringList(),
+            this);
+        connect(m_find_dialog, &FIND_AND_REPLACE_DIALOG::search_next_string_instance, this,
+                &VELD_TABLE_DATA_EDITOR::onSearchNextStringInstance);
+        connect(m_find_dialog, &FIND_AND_REPLACE_DIALOG::replace_current_or_next, this,
+                &VELD_TABLE_DATA_EDITOR::onReplaceCurrentOrNext);
+        connect(m_find_dialog, &FIND_AND_REPLACE_DIALOG::replace_all, this,
+                &VELD_TABLE_DATA_EDITOR::onReplaceAll);
+    }
+    m_find_dialog->set_mode(m_read_only ? FIND_AND_REPLACE_DIALOG::FIND_MODE : mode);
+    m_find_dialog->show();
+    m_find_dialog->raise();
+    m_find_dialog->activateWindow();
 }
 
 void VELD_TABLE_DATA_EDITOR::onSearchNextStringInstance(const QString& search_text,
                                                         const QString& search_field, int search_direction,
                                                         bool search_underlying)
 {
-    Q_UNUSED(search_text)
-    Q_UNUSED(search_field)
-    Q_UNUSED(search_direction)
-    Q_UNUSED(search_underlying)
-    not_available(QStringLiteral("Find and replace"));
+    remember_terms(search_text, search_field, search_underlying);
+    if (!m_search->find(search_terms(search_text, search_field, search_direction, search_underlying)))
+        prompt::information(this, QStringLiteral("Find"), QStringLiteral("Search text was not found"));
 }
 
 void VELD_TABLE_DATA_EDITOR::onReplaceCurrentOrNext(const QString& search_string,
@@ -400,24 +480,30 @@ void VELD_TABLE_DATA_EDITOR::onReplaceCurrentOrNext(const QString& search_string
                                                     const QString& search_column, int search_direction,
                                                     bool search_underlying)
 {
-    Q_UNUSED(search_string)
-    Q_UNUSED(replace_string)
-    Q_UNUSED(search_column)
-    Q_UNUSED(search_direction)
-    Q_UNUSED(search_underlying)
-    not_available(QStringLiteral("Find and replace"));
+    if (m_read_only)
+        return;
+    remember_terms(search_string, search_column, search_underlying);
+    m_replace_text = replace_string;
+    if (!m_search->replace_current_or_next(
+            search_terms(search_string, search_column, search_direction, search_underlying), replace_string))
+        prompt::information(this, QStringLiteral("Replace"), QStringLiteral("Search text was not found"));
 }
 
 void VELD_TABLE_DATA_EDITOR::onReplaceAll(const QString& search_string, const QString& replace_string,
                                           const QString& search_column, int search_direction,
                                           bool search_underlying)
 {
-    Q_UNUSED(search_string)
-    Q_UNUSED(replace_string)
-    Q_UNUSED(search_column)
-    Q_UNUSED(search_direction)
-    Q_UNUSED(search_underlying)
-    not_available(QStringLiteral("Find and replace"));
+    if (m_read_only)
+        return;
+    remember_terms(search_string, search_column, search_underlying);
+    m_replace_text = replace_string;
+    const int count = m_search->replace_all(
+        search_terms(search_string, search_column, search_direction, search_underlying), replace_string);
+    show_counts();
+    prompt::information(this, QStringLiteral("Replace All"),
+                        QStringLiteral("Orbin has completed its search and has made %1 replacement%2.")
+                            .arg(count)
+                            .arg(count == 1 ? QString() : QStringLiteral("s")));
 }
 
 // ---------------------------------------------------------------------------
@@ -525,6 +611,18 @@ void VELD_TABLE_DATA_EDITOR::focus_on_row_in_table(const QString& target_table, 
     }
     if (!target->m_table_schema)
         return;
+    // A record of a table keyed by several fields is named by its whole key,
+    // which no single key field holds: the record itself is looked for first.
+    const int row =
+        target->m_table_schema->primary_key_fields().size() > 1 ? target->m_model.row_of_key(key_text) : -1;
+    const QModelIndex record = row >= 0 && !target->m_model.is_deleted_row(row)
+                                   ? target->m_proxy.mapFromSource(target->m_model.index(row, 0))
+                                   : QModelIndex();
+    if (record.isValid())
+    {
+        target->m_search->make_current(record);
+        return;
+    }
     for (const QString& field : target->m_table_schema->primary_key_fields())
     {
         if (target->search_in_column(key_text, field, 1, false))
@@ -535,34 +633,14 @@ void VELD_TABLE_DATA_EDITOR::focus_on_row_in_table(const QString& target_table, 
 bool VELD_TABLE_DATA_EDITOR::search_in_column(const QString& text, const QString& field, int direction,
                                               bool underlying)
 {
-    m_search_text = text;
-    m_search_underlying = underlying;
-    const QString needle = text.toLower();
-    const int column = m_table_schema ? m_table_schema->column_ordering().indexOf(field) : -1;
-    const int rows = m_proxy.sourceModel() ? m_proxy.rowCount() : 0;
-    if (column >= 0 && rows > 0)
-    {
-        const QModelIndex current = m_view->currentIndex();
-        const bool selection = m_view->selectionModel() && m_view->selectionModel()->hasSelection();
-        const int start = selection && current.isValid() ? current.row() : 0;
-        const int step = (direction == 0 || direction == 2) ? -1 : 1;
-        // Bounded: each row of the column is tested once, the start row last.
-        int row = start;
-        do
-        {
-            row = (row + step + rows) % rows;
-            const QModelIndex cell = m_proxy.index(row, column);
-            const QString cell_text =
-                cell.data(underlying ? Qt::EditRole : Qt::DisplayRole).toString().toLower();
-            if (cell_text.contains(needle))
-            {
-                m_view->selectionModel()->clearSelection();
-                m_view->selectionModel()->setCurrentIndex(cell, QItemSelectionModel::ClearAndSelect);
-                m_view->scrollTo(cell);
-                return true;
-            }
-        } while (row != start);
-    }
+    remember_terms(text, field, underlying);
+    VELD_TABLE_SEARCH::TERMS terms;
+    terms.text = text;
+    terms.field = field;
+    terms.direction = direction;
+    terms.underlying = underlying;
+    if (m_search->find(terms))
+        return true;
     prompt::information(this, QStringLiteral("Find"), QStringLiteral("Search text was not found"));
     return false;
 }
@@ -752,7 +830,9 @@ void VELD_TABLE_DATA_EDITOR::onAddRecord()
         return;
     m_model.add_record();
     m_view->update_frozen_geometry();
-    m_view->scrollToBottom();
+    // The view lays out the new row later in this event loop turn; scrolling
+    // now would stop one row short of it.
+    QTimer::singleShot(0, m_view, [view = m_view] { view->scrollToBottom(); });
     show_counts();
 }
 
@@ -1011,25 +1091,90 @@ void VELD_TABLE_DATA_EDITOR::closeEvent(QCloseEvent* event)
         event->ignore();
 }
 
-void VELD_TABLE_DATA_EDITOR::keyPressEvent(QKeyEvent* event)
+namespace
+{
+bool is_copy_key(const QKeyEvent* event, bool& display_text, bool& with_headers)
 {
     const Qt::KeyboardModifiers modifiers = event->modifiers() & ~Qt::KeypadModifier;
-    const bool key_c = event->key() == Qt::Key_C;
-    if (event->matches(QKeySequence::Copy) ||
-        (key_c && modifiers == (Qt::ControlModifier | Qt::ShiftModifier)) ||
-        (key_c && modifiers == (Qt::ControlModifier | Qt::AltModifier)) ||
-        (key_c && modifiers == (Qt::ControlModifier | Qt::AltModifier | Qt::ShiftModifier)))
-        not_available(QStringLiteral("Copying cells"));
+    display_text = false;
+    with_headers = false;
+    if (event->matches(QKeySequence::Copy))
+        return true;
+    if (event->key() != Qt::Key_C)
+        return false;
+    if (modifiers == (Qt::ControlModifier | Qt::ShiftModifier))
+        display_text = true;
+    else if (modifiers == (Qt::ControlModifier | Qt::AltModifier))
+        with_headers = true;
+    else if (modifiers == (Qt::ControlModifier | Qt::AltModifier | Qt::ShiftModifier))
+        display_text = with_headers = true;
+    else
+        return false;
+    return true;
+}
+
+bool is_tool_key(const QKeyEvent* event)
+{
+    bool display_text = false;
+    bool with_headers = false;
+    return is_copy_key(event, display_text, with_headers) || event->matches(QKeySequence::Paste) ||
+           event->matches(QKeySequence::Delete) || event->matches(QKeySequence::Find) ||
+           FIND_AND_REPLACE_DIALOG::is_replace_key(event) || event->matches(QKeySequence::FindNext) ||
+           event->matches(QKeySequence::FindPrevious);
+}
+} // namespace
+
+bool VELD_TABLE_DATA_EDITOR::eventFilter(QObject* watched, QEvent* event)
+{
+    if ((watched == m_view || (m_view && watched == m_view->frozen_view())) &&
+        (event->type() == QEvent::KeyPress || event->type() == QEvent::ShortcutOverride))
+    {
+        auto* key = static_cast<QKeyEvent*>(event);
+        if (is_tool_key(key))
+        {
+            // A shortcut of another window must not take the key first.
+            if (event->type() == QEvent::KeyPress)
+                keyPressEvent(key);
+            event->accept();
+            return true;
+        }
+    }
+    return QDialog::eventFilter(watched, event);
+}
+
+void VELD_TABLE_DATA_EDITOR::keyPressEvent(QKeyEvent* event)
+{
+    bool display_text = false;
+    bool with_headers = false;
+    if (is_copy_key(event, display_text, with_headers))
+        m_cell_edits->copy(display_text, with_headers);
     else if (event->matches(QKeySequence::Paste))
-        not_available(QStringLiteral("Pasting cells"));
+    {
+        if (!m_read_only)
+        {
+            m_cell_edits->paste();
+            m_view->update_frozen_geometry();
+            show_counts();
+        }
+    }
     else if (event->matches(QKeySequence::Delete))
-        not_available(QStringLiteral("Clearing cells with the Delete key"));
-    else if (event->matches(QKeySequence::Find) || event->matches(QKeySequence::Replace))
-        not_available(QStringLiteral("Find and replace"));
+    {
+        if (m_read_only)
+            return;
+        if (m_cell_edits->selection_is_whole_records())
+            onRemoveRecords();
+        else
+            m_cell_edits->clear_selected_cells();
+    }
+    else if (event->matches(QKeySequence::Find))
+        show_find_dialog(FIND_AND_REPLACE_DIALOG::FIND_MODE);
+    else if (FIND_AND_REPLACE_DIALOG::is_replace_key(event))
+        show_find_dialog(FIND_AND_REPLACE_DIALOG::REPLACE_MODE);
     else if (event->matches(QKeySequence::FindNext) || event->matches(QKeySequence::FindPrevious))
     {
         if (!m_search_text.isEmpty())
-            not_available(QStringLiteral("Find and replace"));
+            onSearchNextStringInstance(m_search_text, m_search_field,
+                                       event->matches(QKeySequence::FindNext) ? 1 : 0, m_search_underlying);
     }
     else if (event->matches(QKeySequence::HelpContents))
     {

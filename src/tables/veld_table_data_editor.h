@@ -1,9 +1,12 @@
 #pragma once
 
+#include "find_and_replace_dialog.h"
 #include "veld_pending_changes_form.h"
+#include "veld_table_cell_edits.h"
 #include "veld_table_data_editor_form.h"
 #include "veld_table_data_view_model.h"
 #include "veld_table_data_view_sort_model.h"
+#include "veld_table_search.h"
 
 #include <QDialog>
 #include <QList>
@@ -13,7 +16,9 @@
 #include <QVector>
 
 #include <functional>
+#include <memory>
 
+class CSV_TABLE_READER;
 class KOR_FIELD_SCHEMA;
 class KOR_TABLE_SCHEMA;
 class QAction;
@@ -71,6 +76,9 @@ public:
     QWidget* arithmetic_widget() const { return m_arithmetic_widget; }
     QAction* see_references_action() const { return m_see_references_action; }
     QMenu* context_menu() const { return m_context_menu; }
+    // Null until the first Find or Replace key.
+    FIND_AND_REPLACE_DIALOG* find_dialog() const { return m_find_dialog; }
+    VELD_TABLE_CELL_EDITS& cell_edits() { return *m_cell_edits; }
 
     // Walks the rows of one column from the current cell (or the top) in the
     // direction (0 up, 1 down; 2 and 3 walk up and down as well), wrapping at
@@ -78,6 +86,10 @@ public:
     // becomes the current cell. `underlying` tests edit values instead of the
     // display texts. A failed search says so in a box titled "Find".
     bool search_in_column(const QString& text, const QString& field, int direction, bool underlying);
+
+    // Opens the find dialog (made on first use) in a mode; a read-only
+    // window only finds.
+    void show_find_dialog(FIND_AND_REPLACE_DIALOG::MODE mode);
 
 signals:
     void statusUpdate(QString status);
@@ -138,6 +150,8 @@ public slots:
 protected:
     void closeEvent(QCloseEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
+    // The views would take the copy key (and others) for themselves.
+    bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
     void connect_form();
@@ -147,7 +161,12 @@ private:
     void attach_views();
     void detach_views();
     void follow_relationship(const QModelIndex& index);
-    void not_available(const QString& what);
+    // The terms of a search, with the dialog's "Case Sensitive" and "In
+    // Selection" when it exists.
+    VELD_TABLE_SEARCH::TERMS search_terms(const QString& text, const QString& field, int direction,
+                                          bool underlying) const;
+    void remember_terms(const QString& text, const QString& field, bool underlying);
+    void import_csv_rows(const CSV_TABLE_READER& reader);
     VELD_TABLE_DATA_EDITOR* open_editor_of(const QString& table, bool read_only, QString& error);
     const KOR_FIELD_SCHEMA* field_of_current_cell() const;
 
@@ -164,7 +183,10 @@ private:
     QString m_table_key;
     bool m_closing_after_apply = false;
     VELD_FROZEN_COLUMNS_TABLE* m_view = nullptr;
+    QPointer<FIND_AND_REPLACE_DIALOG> m_find_dialog;
     QString m_search_text;
+    QString m_search_field;
+    QString m_replace_text;
     bool m_search_underlying = false;
     bool m_read_only;
     QString m_saved_cursor_key;
@@ -184,6 +206,7 @@ private:
     bool m_check_box_row_header;
     bool m_skip_save_question = false;
     bool m_opened = false;
-    // "… is not available yet" goes out once a window for each tool.
-    QStringList m_reported_unavailable;
+    // Made with the view, which they work on.
+    std::unique_ptr<VELD_TABLE_SEARCH> m_search;
+    std::unique_ptr<VELD_TABLE_CELL_EDITS> m_cell_edits;
 };

@@ -1,5 +1,7 @@
 #include "veld_table_data_view_delegate.h"
 
+#include "veld_clipboard_text.h"
+
 #include "filtered_dropdown_combo_box.h"
 #include "kor_field_schema.h"
 #include "kor_table_data.h"
@@ -113,8 +115,10 @@ void VELD_TABLE_DATA_VIEW_DELEGATE::paint(QPainter* painter, const QStyleOptionV
         painter->save();
         painter->fillRect(option.rect, QBrush(colour.value<QColor>()));
         painter->setPen(option.palette.color(QPalette::Text));
+        // The same text the uncoloured cells show: a float as its shortest
+        // text, not the digits of its conversion to double.
         painter->drawText(option.rect.adjusted(4, 6, -4, -6), Qt::AlignLeft | Qt::AlignVCenter,
-                          index.data(Qt::DisplayRole).toString());
+                          VELD_CLIPBOARD_TEXT::cell_text(index.data(Qt::DisplayRole)));
         painter->restore();
         return;
     }
