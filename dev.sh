@@ -76,6 +76,9 @@ run() {
     if [ -f "$here/sample-project/quill-project.ini" ]; then
         arguments+=(--project "$here/sample-project")
     fi
+    # ORBIN's window opens at once and connects by itself; options given
+    # after run come later and win.
+    arguments+=(--open "ORBIN - Database Visual Editor")
     arguments+=("$@")
     local quill="$build_dir/bin/quill"
     if [ -z "${DISPLAY:-}" ] && [ -z "${WAYLAND_DISPLAY:-}" ]; then

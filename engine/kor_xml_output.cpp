@@ -7,7 +7,7 @@
 
 namespace
 {
-constexpr qsizetype BUFFER_SIZE = 1 << 20;
+constexpr qsizetype BUFFER_SIZE = KOR_XML_OUTPUT::BUFFER_SIZE;
 // Room kept for one escaped character and small raw pieces.
 constexpr qsizetype RESERVE = 64;
 } // namespace
@@ -31,7 +31,7 @@ void KOR_XML_OUTPUT::make_room(qsizetype bytes)
     m_used = 0;
 }
 
-void KOR_XML_OUTPUT::raw(const char* text, qsizetype length)
+void KOR_XML_OUTPUT::raw_in_pieces(const char* text, qsizetype length)
 {
     while (length > 0)
     {
@@ -42,17 +42,6 @@ void KOR_XML_OUTPUT::raw(const char* text, qsizetype length)
         text += piece;
         length -= piece;
     }
-}
-
-void KOR_XML_OUTPUT::raw(const char* text)
-{
-    raw(text, qsizetype(std::strlen(text)));
-}
-
-void KOR_XML_OUTPUT::raw(char c)
-{
-    make_room(1);
-    m_buffer[m_used++] = c;
 }
 
 void KOR_XML_OUTPUT::text(const QString& text)

@@ -1,5 +1,6 @@
 #include "kor_xml_query_interface.h"
 
+#include "case_insensitive_compare_string.h"
 #include "kor_database_schema.h"
 #include "kor_field_data.h"
 #include "kor_field_schema.h"
@@ -19,6 +20,8 @@
 #include <QDirIterator>
 #include <QFile>
 #include <QFileInfo>
+
+#include <algorithm>
 
 // ==================================================================== private
 
@@ -65,7 +68,7 @@ bool KOR_XML_QUERY_INTERFACE_PRIVATE::fail(QString& error, const QString& text) 
     return false;
 }
 
-QString KOR_XML_QUERY_INTERFACE_PRIVATE::open(const QString& database_path)
+QString KOR_XML_QUERY_INTERFACE_PRIVATE::open(const QString& database_path, bool for_reading)
 {
     if (connected)
         return fail(QStringLiteral("Database [%1] is already connected").arg(path));
@@ -76,7 +79,14 @@ QString KOR_XML_QUERY_INTERFACE_PRIVATE::open(const QString& database_path)
     if (!KOR_TABLE_IO::is_database(error, folder))
         return fail(error);
     QStringList notes;
-    if (!KOR_FILE_COMMIT::recover(error, folder, &notes))
+    if (for_reading)
+    {
+        if (QFileInfo::exists(QDir(folder).filePath(KOR_FILE_COMMIT::journal_name())))
+            return fail(QStringLiteral("%1: a change was interrupted and is not complete; connect to the "
+                                       "database for editing once to complete it")
+                            .arg(folder));
+    }
+    else if (!KOR_FILE_COMMIT::recover(error, folder, &notes))
     {
         report(error, PROGRESS_CALLBACK::SEVERITY_ERROR);
         return fail(error);
@@ -238,6 +248,12 @@ void KOR_XML_QUERY_INTERFACE_PRIVATE::check_foreign_keys(
     };
     QList<DANGLING> dangling;
     int count = 0;
+    // A record's field map is in name order ignoring case: a field's slot
+    // there is found once, not by name in every record of a large table.
+    QList<QString> by_name = table_schema->column_ordering();
+    std::sort(by_name.begin(), by_name.end(), [](const QString& a, const QString& b) {
+        return CASE_INSENSITIVE_COMPARE_STRING::compare(a, b) < 0;
+    });
     for (const QString& field_name : table_schema->column_ordering())
     {
         const KOR_FIELD_SCHEMA* field = table_schema->field_schema_by_name(field_name);
@@ -249,18 +265,42 @@ void KOR_XML_QUERY_INTERFACE_PRIVATE::check_foreign_keys(
         if (!foreign)
             continue;
         const bool by_key = target->owner()->primary_key_fields() == QList<QString>{target->field_name()};
+        // Keys are looked up in the sorted key list while the table checked is
+        // smaller than the one it refers to; otherwise hashing them all once
+        // is cheaper than a search a record.
+        const bool hashed = !by_key || data->record_count() >= foreign->record_count();
         QSet<QString> values;
-        if (!by_key)
-            for (const KOR_RECORD_DATA* record : foreign->records())
-                if (const KOR_FIELD_DATA* value = record->get_field_data(target->field_name()))
+        if (hashed)
+        {
+            values.reserve(foreign->record_count());
+            const KOR_RECORD_MAP& records = foreign->records();
+            for (int i = 0; i < records.size(); ++i)
+            {
+                if (by_key)
+                    values.insert(records.key_at(i));
+                else if (const KOR_FIELD_DATA* value = records.at(i)->get_field_data(target->field_name()))
                     values.insert(value->value_text());
+            }
+        }
+        const int slot = int(by_name.indexOf(field_name));
+        const int field_count = table_schema->field_count();
         for (const KOR_RECORD_DATA* record : data->records())
         {
-            const KOR_FIELD_DATA* value = record->get_field_data(field_name);
-            const QString text = value ? value->value_text() : QString();
+            const KOR_FIELD_DATA_MAP& fields = record->field_map();
+            const KOR_FIELD_DATA* value = nullptr;
+            if (fields.size() == field_count && fields.at(slot)->field_schema() == field)
+                value = fields.at(slot);
+            else
+                value = record->get_field_data(field_name);
+            if (!value)
+                continue;
+            const QVariant& variant = value->value();
+            const QString text = variant.userType() == QMetaType::QString
+                                     ? *static_cast<const QString*>(variant.constData())
+                                     : value->value_text();
             if (text.isEmpty())
                 continue;
-            if (by_key ? foreign->records().contains(text) : values.contains(text))
+            if (hashed ? values.contains(text) : foreign->records().contains(text))
                 continue;
             if (++count <= 20)
                 dangling.append(DANGLING{record, field_name, text, target->table_name()});
@@ -367,7 +407,9 @@ QString KOR_XML_QUERY_INTERFACE::connect_for_diff(const QString& path)
     QFile origin(QDir(path).filePath(QStringLiteral("Veld_copy_origin.txt")));
     if (origin.open(QIODevice::ReadOnly))
         d->original_path = QString::fromUtf8(origin.readLine()).trimmed();
-    const QString error = d->open(path);
+    // A read-only connection never writes, not even to finish a commit
+    // another program left behind.
+    const QString error = d->open(path, true);
     if (error.isEmpty())
         d->read_only = true;
     else

@@ -107,7 +107,9 @@ public:
     bool fail(QString& error, const QString& text) const;
 
     // ------------------------------------------------------------ connection
-    QString open(const QString& database_path);
+    // `for_reading` connects without completing or cleaning up an
+    // interrupted commit, which writes: a folder that has one is refused.
+    QString open(const QString& database_path, bool for_reading = false);
     void close();
 
     // ------------------------------------------------------------ tables

@@ -27,6 +27,7 @@ set(KOR_ENGINE_SOURCES
   ${KOR_ENGINE_DIR}/kor_table_io.cpp
   ${KOR_ENGINE_DIR}/kor_unique_ids.cpp
   ${KOR_ENGINE_DIR}/kor_update_command_codec.cpp
+  ${KOR_ENGINE_DIR}/kor_value_text.cpp
   ${KOR_ENGINE_DIR}/kor_xml_lookups.cpp
   ${KOR_ENGINE_DIR}/kor_xml_output.cpp
   ${KOR_ENGINE_DIR}/kor_xml_query_interface.cpp

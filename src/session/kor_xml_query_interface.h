@@ -205,7 +205,9 @@ public:
     bool save_veld_tables_xml(QString& error) override;
 
     // Not virtual
-    // Connects read-only to a copy made by create_db_copy_for_diff.
+    // Connects read-only to a copy made by create_db_copy_for_diff, or to any
+    // database folder that must not be written: nothing on disk changes, and
+    // a folder with an interrupted commit is refused rather than repaired.
     QString connect_for_diff(const QString& path);
     // The path given to connect before any copying for a diff.
     QString original_connect_string() const;

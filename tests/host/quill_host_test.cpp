@@ -105,6 +105,35 @@ private slots:
                     .size() == 1);
     }
 
+    // --open runs a plugin command once the plugins are there (the README's
+    // first command opens ORBIN so); a command no plugin has is said plainly.
+    void open_option_runs_a_plugin_command_data()
+    {
+        QTest::addColumn<QString>("command");
+        QTest::addColumn<int>("windows");
+        QTest::addColumn<QString>("message");
+        QTest::newRow("known") << "Open Test Window" << 1 << "";
+        QTest::newRow("unknown") << "Open Nothing" << 0 << "No plugin offers the command 'Open Nothing'.";
+    }
+    void open_option_runs_a_plugin_command()
+    {
+        QFETCH(QString, command);
+        QFETCH(int, windows);
+        QFETCH(QString, message);
+        TEST_FOLDER folder;
+        QUILL_MAIN_WINDOW window;
+        QUILL_START_OPTIONS options = options_with_project(plugin_folder(folder, {good_plugin}, false));
+        options.open_command = command;
+        SCRIPTED_PROMPT prompts;
+        if (!message.isEmpty())
+            prompts.button(QMessageBox::Ok);
+        window.start(options);
+        QCOMPARE(window.plugin_manager().widgets().size(), windows);
+        QCOMPARE(prompts.asked().size(), message.isEmpty() ? 0 : 1);
+        if (!message.isEmpty())
+            QCOMPARE(prompts.asked().first().text, message);
+    }
+
     // Closing a plugin's window asks the plugin; a refusal keeps it, consent
     // drops it, and the plugin is told before and after.
     void closing_a_plugin_window()

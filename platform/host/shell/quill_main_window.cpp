@@ -142,6 +142,28 @@ void QUILL_MAIN_WINDOW::start(const QUILL_START_OPTIONS& options)
         prompt::warning(this, QStringLiteral("Quill"),
                         QStringLiteral("Some plugins could not be loaded:\n\n") +
                             plugin_problems.join(QStringLiteral("\n\n")));
+    if (!options.open_command.isEmpty())
+        run_command(options.open_command);
+}
+
+bool QUILL_MAIN_WINDOW::run_command(const QString& text)
+{
+    for (QMenu* menu : qAsConst(m_plugin_menus))
+    {
+        for (QAction* action : menu->actions())
+        {
+            if (action->text().remove(QLatin1Char('&')) == text && action->isEnabled())
+            {
+                log(QStringLiteral("Running %1").arg(text));
+                action->trigger();
+                return true;
+            }
+        }
+    }
+    log(QStringLiteral("No plugin offers the command '%1'").arg(text));
+    prompt::warning(this, QStringLiteral("Quill"),
+                    QStringLiteral("No plugin offers the command '%1'.").arg(text));
+    return false;
 }
 
 void QUILL_MAIN_WINDOW::build_plugin_menus()

@@ -29,6 +29,9 @@ public:
     QUILL_PLUGIN_MANAGER& plugin_manager() { return m_plugins; }
     // The plugin menus, in load order.
     QList<QMenu*> plugin_menus() const { return m_plugin_menus; }
+    // Triggers the plugin command whose menu text, without "&", is text;
+    // false, with a message, when no plugin offers it.
+    bool run_command(const QString& text);
     QStringList log_lines() const;
 
     static QIcon host_icon();

@@ -33,6 +33,10 @@ struct OPTIONS
         QStringLiteral("folder")};
     QCommandLineOption full{QStringLiteral("full"),
                             QStringLiteral("Full configuration: plugins show every command they have.")};
+    QCommandLineOption open{QStringLiteral("open"),
+                            QStringLiteral("Run this plugin command once the plugins are loaded, as its "
+                                           "menu shows it."),
+                            QStringLiteral("command")};
 
     void add_to(QCommandLineParser& parser) const
     {
@@ -41,7 +45,7 @@ struct OPTIONS
         parser.addHelpOption();
         parser.addVersionOption();
         parser.addOptions(
-            {project, binaries, design_data, csv_import, connection, working_data, plugins, full});
+            {project, binaries, design_data, csv_import, connection, working_data, plugins, full, open});
     }
 };
 } // namespace
@@ -73,6 +77,7 @@ bool QUILL_START_OPTIONS::parse(const QStringList& arguments, QUILL_START_OPTION
     result.working_data_paths = parser.values(known.working_data);
     result.plugin_folder = parser.value(known.plugins);
     result.full_configuration = parser.isSet(known.full);
+    result.open_command = parser.value(known.open);
     options = result;
     return true;
 }

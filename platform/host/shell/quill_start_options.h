@@ -9,7 +9,7 @@
 //
 //     quill [--project <file or folder>] [--binaries <folder>] [--design-data <folder>]
 //           [--csv-import <folder>] [--connection <folder>] [--working-data <folder>]...
-//           [--plugins <folder>] [--full]
+//           [--plugins <folder>] [--full] [--open <command>]
 //
 // The path options override the project file's entries of the same name; with
 // no project file they are the whole project. Relative paths are taken from
@@ -25,6 +25,9 @@ struct QUILL_START_OPTIONS
     // Empty: the "plugins" folder next to the quill executable.
     QString plugin_folder;
     bool full_configuration = false;
+    // A plugin command to run once the plugins are loaded, by its menu text
+    // without "&" (e.g. "ORBIN - Database Visual Editor"). Empty: none.
+    QString open_command;
 
     bool help_requested = false;
     bool version_requested = false;

@@ -100,11 +100,23 @@ void VELD_SORT_KEYS::make_all(const VALUES& values)
         m_kinds.assign(size_t(m_rows), MISSING);
     if (numbers)
         m_numbers.assign(size_t(m_rows), NUMBER{0});
-    QHash<QString, int> distinct;
-    QStringList distinct_texts;
+    // Distinct texts are found through an open-addressed table of their
+    // indexes: with a million distinct keys, the nodes of a QHash (made,
+    // searched and freed one by one) took most of the time of a sort.
+    std::vector<QString> distinct_texts;
+    std::vector<uint> distinct_hashes;
+    std::vector<qint32> slots_of_texts;
+    size_t mask = 0;
     std::vector<qint32> distinct_of_row;
     if (texts)
+    {
         distinct_of_row.assign(size_t(m_rows), -1);
+        size_t capacity = 16;
+        while (capacity < size_t(m_rows) * 2)
+            capacity *= 2;
+        slots_of_texts.assign(capacity, -1);
+        mask = capacity - 1;
+    }
 
     for (int row = 0; row < m_rows; ++row)
     {
@@ -119,14 +131,25 @@ void VELD_SORT_KEYS::make_all(const VALUES& values)
         // By held type every row keeps a text too, for comparing with a row
         // that holds another type.
         const QString text = value.toString();
-        auto found = distinct.constFind(text);
-        if (found == distinct.constEnd())
+        const uint hash = qHash(text);
+        size_t slot = hash & mask;
+        qint32 index = slots_of_texts[slot];
+        while (index >= 0 &&
+               !(distinct_hashes[size_t(index)] == hash && distinct_texts[size_t(index)] == text))
         {
-            found = distinct.insert(text, distinct_texts.size());
-            distinct_texts.append(text);
+            slot = (slot + 1) & mask;
+            index = slots_of_texts[slot];
         }
-        distinct_of_row[size_t(row)] = found.value();
+        if (index < 0)
+        {
+            index = qint32(distinct_texts.size());
+            slots_of_texts[slot] = index;
+            distinct_texts.push_back(text);
+            distinct_hashes.push_back(hash);
+        }
+        distinct_of_row[size_t(row)] = index;
     }
+    std::vector<qint32>().swap(slots_of_texts);
 
     // Values of one kind (the usual case by held type too) compare without
     // looking at kinds.
@@ -142,7 +165,7 @@ void VELD_SORT_KEYS::make_all(const VALUES& values)
     {
         std::vector<QCollatorSortKey> keys;
         keys.reserve(size_t(distinct_texts.size()));
-        for (const QString& text : qAsConst(distinct_texts))
+        for (const QString& text : distinct_texts)
             keys.push_back(m_collator->sortKey(text));
         std::vector<int> order(keys.size());
         std::iota(order.begin(), order.end(), 0);

@@ -1,0 +1,16 @@
+#pragma once
+
+#include "cli_command.h"
+
+// orbin-db stats DB
+class CLI_STATS_COMMAND : public CLI_COMMAND
+{
+public:
+    QString name() const override { return QStringLiteral("stats"); }
+    QString arguments() const override { return QStringLiteral("DB"); }
+    QString summary() const override;
+    QString description() const override;
+    void add_options(QCommandLineParser& parser) const override;
+    int positional_count() const override { return 1; }
+    int run(const QCommandLineParser& parser, CLI_OUTPUT& output) const override;
+};
