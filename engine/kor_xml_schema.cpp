@@ -156,6 +156,9 @@ bool KOR_XML_QUERY_INTERFACE_PRIVATE::change_schema(
             KOR_ENGINE_ACCESS::resort_fields(record);
         QString ignored;
         KOR_ENGINE_ACCESS::rebuild_keys(*table, ignored);
+        // The values the later steps put back are new to readers even if
+        // the keys could not be filed again.
+        KOR_ENGINE_ACCESS::mark_changed(*table);
     });
     snapshot_schema(table_schema);
     auto keep_value = [this](KOR_FIELD_DATA* field) {

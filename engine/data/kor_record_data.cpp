@@ -1,5 +1,6 @@
 #include "kor_record_data.h"
 
+#include "kor_engine_access.h"
 #include "kor_field_data.h"
 #include "kor_field_schema.h"
 #include "kor_table_schema.h"
@@ -24,6 +25,14 @@ KOR_RECORD_DATA::~KOR_RECORD_DATA()
     for (KOR_FIELD_DATA* field : m_fields)
         destroy_field(field);
     m_fields.release();
+}
+
+void KOR_RECORD_DATA::fields_changed()
+{
+    // What readers derived from the table's values (the search index) must
+    // not survive a field added, replaced or removed in one of its records.
+    if (m_in_table && m_table_data)
+        KOR_ENGINE_ACCESS::mark_changed(*m_table_data);
 }
 
 QString KOR_RECORD_DATA::key() const
@@ -76,6 +85,7 @@ KOR_FIELD_DATA* KOR_RECORD_DATA::add_field_data(const KOR_FIELD_SCHEMA* field_sc
     field->m_value = value;
     if (KOR_FIELD_DATA* replaced = m_fields.insert(field))
         destroy_field(replaced);
+    fields_changed();
     return field;
 }
 
@@ -86,6 +96,7 @@ bool KOR_RECORD_DATA::insert_field_data(KOR_FIELD_DATA* field)
     KOR_FIELD_DATA* replaced = m_fields.insert(field);
     if (replaced && replaced != field)
         destroy_field(replaced);
+    fields_changed();
     return true;
 }
 
@@ -95,6 +106,7 @@ bool KOR_RECORD_DATA::remove_field_data(const QString& field_name)
     if (!field)
         return false;
     destroy_field(field);
+    fields_changed();
     return true;
 }
 

@@ -6,11 +6,26 @@
 #include "kor_record_data.h"
 #include "kor_table_schema.h"
 
+#include <atomic>
 #include <limits>
 
-KOR_TABLE_DATA::KOR_TABLE_DATA(const KOR_TABLE_SCHEMA* table_schema) : m_table_schema(table_schema) {}
+namespace
+{
+// One count for all tables: a generation is never seen twice.
+quint64 next_generation()
+{
+    static std::atomic<quint64> last{0};
+    return ++last;
+}
+} // namespace
 
-KOR_TABLE_DATA::KOR_TABLE_DATA(const KOR_TABLE_DATA& other) : m_table_schema(other.m_table_schema)
+KOR_TABLE_DATA::KOR_TABLE_DATA(const KOR_TABLE_SCHEMA* table_schema)
+    : m_table_schema(table_schema), m_generation(next_generation())
+{
+}
+
+KOR_TABLE_DATA::KOR_TABLE_DATA(const KOR_TABLE_DATA& other)
+    : m_table_schema(other.m_table_schema), m_generation(next_generation())
 {
     copy_records_from(other);
 }
@@ -26,7 +41,8 @@ KOR_TABLE_DATA& KOR_TABLE_DATA::operator=(const KOR_TABLE_DATA& other)
     return *this;
 }
 
-KOR_TABLE_DATA::KOR_TABLE_DATA(KOR_TABLE_DATA&& other) noexcept : m_table_schema(other.m_table_schema)
+KOR_TABLE_DATA::KOR_TABLE_DATA(KOR_TABLE_DATA&& other) noexcept
+    : m_table_schema(other.m_table_schema), m_generation(next_generation())
 {
     *this = std::move(other);
 }
@@ -90,6 +106,23 @@ void KOR_TABLE_DATA::copy_records_from(const KOR_TABLE_DATA& other)
         m_records_by_uuid.insert(copy);
     }
     changed();
+}
+
+void KOR_TABLE_DATA::changed()
+{
+    m_generation = next_generation();
+    if (std::atomic_load(&m_search_index))
+        std::atomic_store(&m_search_index, std::shared_ptr<const void>());
+}
+
+std::shared_ptr<const void> KOR_TABLE_DATA::search_index() const
+{
+    return std::atomic_load(&m_search_index);
+}
+
+void KOR_TABLE_DATA::set_search_index(std::shared_ptr<const void> index) const
+{
+    std::atomic_store(&m_search_index, std::move(index));
 }
 
 QString KOR_TABLE_DATA::table_name() const

@@ -1,6 +1,6 @@
 #include "global_search.h"
 
-#include "case_insensitive_compare_string.h"
+#include "global_search_index.h"
 #include "kor_field_data.h"
 #include "kor_field_schema.h"
 #include "kor_query_interface.h"
@@ -8,75 +8,31 @@
 #include "kor_table_data.h"
 #include "kor_table_schema.h"
 
-#include <algorithm>
-#include <cstdint>
-#include <memory>
+#include <vector>
 
 namespace
 {
-// The text a variant holds, read where Qt 5 keeps it (as QVariant's own
-// inline members do): two library calls a value were a tenth of a search.
-const QString* held_text(const QVariant& value)
+// A column a search tests, with the answer for each of its distinct texts.
+struct TESTED_COLUMN
 {
-    const QVariant::Private& held = value.data_ptr();
-    if (held.type != QMetaType::QString)
-        return nullptr;
-    return static_cast<const QString*>(held.is_shared ? held.data.shared->ptr
-                                                      : static_cast<const void*>(&held.data.ptr));
+    const GLOBAL_SEARCH_INDEX::COLUMN* column;
+    // Per distinct text: its place in the search's matched values, or -1.
+    std::vector<int> answers;
+};
+
+// A hit before it is made: the record's place, the column, the value.
+struct HIT_PLACE
+{
+    int record;
+    int column;
+    int value;
+};
+
+// Where a QString keeps its characters and count, read without going there.
+inline const void* shared_data_of(const QString& text)
+{
+    return *reinterpret_cast<const void* const*>(&text);
 }
-
-// Answers for the texts a table shares between its records (the reader
-// keeps one copy of a field's repeated values): a field of a few hundred
-// distinct values over a million records is matched a few hundred times.
-// Keyed by where a text lies, which stays while the table is searched; a
-// field whose texts are mostly distinct stops asking.
-class SHARED_TEXT_ANSWERS
-{
-public:
-    // 1 match, 0 no match, -1 not known.
-    int find(const QString& text)
-    {
-        if (!m_on)
-            return -1;
-        const std::size_t slot = slot_of(text);
-        if (m_keys[slot] == text.constData())
-        {
-            ++m_found;
-            return m_answers[slot];
-        }
-        if (++m_missed > 4096 && m_missed > 4 * m_found)
-            m_on = false;
-        return -1;
-    }
-    void keep(const QString& text, bool answer)
-    {
-        const std::size_t slot = slot_of(text);
-        m_keys[slot] = text.constData();
-        m_answers[slot] = answer;
-    }
-
-private:
-    static const std::size_t SIZE = 1024;
-    static std::size_t slot_of(const QString& text)
-    {
-        return (reinterpret_cast<std::uintptr_t>(text.constData()) >> 4) & (SIZE - 1);
-    }
-    const QChar* m_keys[SIZE] = {};
-    bool m_answers[SIZE] = {};
-    int m_found = 0;
-    int m_missed = 0;
-    bool m_on = true;
-};
-
-struct COLUMN
-{
-    const KOR_FIELD_SCHEMA* schema;
-    QString name;
-    // Where the field stands in a record's field map, which is in name
-    // order ignoring case; the name is looked up when a record differs.
-    int slot;
-    std::shared_ptr<SHARED_TEXT_ANSWERS> answers;
-};
 } // namespace
 
 GLOBAL_SEARCH::GLOBAL_SEARCH(const QString& text, Qt::CaseSensitivity case_sensitivity, bool exact_match)
@@ -89,62 +45,92 @@ int GLOBAL_SEARCH::search_table(const KOR_TABLE_DATA& table, QVector<GLOBAL_SEAR
     const KOR_TABLE_SCHEMA* schema = table.table_schema();
     if (!schema)
         return 0;
-    QList<QString> by_name = schema->column_ordering();
-    std::sort(by_name.begin(), by_name.end(), [](const QString& a, const QString& b) {
-        return CASE_INSENSITIVE_COMPARE_STRING::compare(a, b) < 0;
-    });
-    std::vector<COLUMN> columns;
-    for (const QString& name : schema->column_ordering())
+    // Held while searching: the table may be given a new index meanwhile.
+    const std::shared_ptr<const GLOBAL_SEARCH_INDEX> index = GLOBAL_SEARCH_INDEX::of(table);
+
+    std::vector<TESTED_COLUMN> tested;
+    QVector<QString> values;
+    for (const GLOBAL_SEARCH_INDEX::COLUMN& column : index->columns())
     {
-        const KOR_FIELD_SCHEMA* field = schema->field_schema_by_name(name);
         // Values a field's type can never spell out are not made into text.
-        if (field && m_pattern.can_match_type(field->field_type()))
-            columns.push_back(
-                COLUMN{field, name, int(by_name.indexOf(name)), std::make_shared<SHARED_TEXT_ANSWERS>()});
-    }
-    if (columns.empty())
-        return 0;
-    const int field_count = schema->field_count();
-    const QString table_name = schema->get_table_name();
-    const int before = hits.size();
-    const KOR_RECORD_MAP& records = table.records();
-    for (auto it = records.begin(); it != records.end(); ++it)
-    {
-        const KOR_RECORD_DATA* record = it.value();
-        const KOR_FIELD_DATA_MAP& fields = record->field_map();
-        const bool complete = fields.size() == field_count;
-        for (const COLUMN& column : columns)
+        if (!m_pattern.can_match_type(column.type))
+            continue;
+        TESTED_COLUMN test{&column, {}};
+        bool any = false;
+        if (column.text_count() > 0 && m_pattern.can_match_length(column.shortest, column.longest))
         {
-            const KOR_FIELD_DATA* field = nullptr;
-            if (complete)
+            test.answers.assign(std::size_t(column.text_count()), -1);
+            for (int i = 0; i < column.text_count(); ++i)
             {
-                field = fields.at(column.slot);
-                if (field->field_schema() != column.schema)
-                    field = nullptr;
-            }
-            if (!field)
-                field = fields.value(column.name);
-            if (!field)
-                continue;
-            // Texts are tested where they lie, without a copy.
-            if (const QString* text = held_text(field->value()))
-            {
-                int answer = column.answers->find(*text);
-                if (answer < 0)
+                if (m_pattern.matches(column.text(i), column.text_length(i)))
                 {
-                    answer = m_pattern.matches(*text) ? 1 : 0;
-                    column.answers->keep(*text, answer == 1);
+                    test.answers[std::size_t(i)] = values.size();
+                    values.append(QString(column.text(i), column.text_length(i)));
+                    any = true;
                 }
-                if (answer == 1)
-                    hits.append(GLOBAL_SEARCH_HIT{table_name, column.name, it.key(), *text});
+            }
+        }
+        if (!any)
+        {
+            if (!column.has_other)
+                continue;
+            test.answers.clear();
+        }
+        tested.push_back(std::move(test));
+    }
+    if (tested.empty())
+        return 0;
+
+    // The numbers are read in record order first; only then are the hits
+    // made, each needing its record's key from wherever the record lies.
+    const KOR_RECORD_MAP& records = table.records();
+    const int count = index->record_count();
+    std::vector<HIT_PLACE> places;
+    for (int record = 0; record < count; ++record)
+    {
+        for (int c = 0; c < int(tested.size()); ++c)
+        {
+            const TESTED_COLUMN& test = tested[std::size_t(c)];
+            const quint32 id = test.column->id(record);
+            if (id < GLOBAL_SEARCH_INDEX::OTHER)
+            {
+                if (!test.answers.empty() && test.answers[id] >= 0)
+                    places.push_back(HIT_PLACE{record, c, test.answers[id]});
                 continue;
             }
+            if (id != GLOBAL_SEARCH_INDEX::OTHER)
+                continue;
+            const KOR_FIELD_DATA* field = index->field_of(*records.at(record), *test.column);
+            if (!field)
+                continue;
             const QString text = field->value_text();
             if (m_pattern.matches(text))
-                hits.append(GLOBAL_SEARCH_HIT{table_name, column.name, it.key(), text});
+            {
+                places.push_back(HIT_PLACE{record, c, values.size()});
+                values.append(text);
+            }
         }
     }
-    return hits.size() - before;
+
+    // Keys lie one cache miss away, and their entry another: both are asked
+    // for some hits ahead, so that the misses overlap.
+    const QString table_name = schema->get_table_name();
+    const int found = int(places.size());
+    if (hits.capacity() < hits.size() + found)
+        hits.reserve(qMax(hits.size() + found, 2 * hits.capacity()));
+    const int entry_ahead = 16;
+    const int key_ahead = 8;
+    for (int i = 0; i < found; ++i)
+    {
+        if (i + entry_ahead < found)
+            __builtin_prefetch(&records.key_at(places[std::size_t(i + entry_ahead)].record));
+        if (i + key_ahead < found)
+            __builtin_prefetch(shared_data_of(records.key_at(places[std::size_t(i + key_ahead)].record)), 1);
+        const HIT_PLACE& place = places[std::size_t(i)];
+        hits.append(GLOBAL_SEARCH_HIT{table_name, tested[std::size_t(place.column)].column->name,
+                                      records.key_at(place.record), values.at(place.value)});
+    }
+    return found;
 }
 
 bool GLOBAL_SEARCH::search(KOR_QUERY_INTERFACE& query_interface, QVector<GLOBAL_SEARCH_HIT>& hits,

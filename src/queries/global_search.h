@@ -18,6 +18,8 @@ struct GLOBAL_SEARCH_HIT
     QString key;
     QString value;
 };
+// Four shared strings: a growing result moves them without touching them.
+Q_DECLARE_TYPEINFO(GLOBAL_SEARCH_HIT, Q_MOVABLE_TYPE);
 
 // A search of one text through every value of every table, below the global
 // search window: tables in key order, each table's records in key order, and

@@ -33,6 +33,13 @@ public:
         return match(text, length);
     }
 
+    // False when no text of a length from `shortest` to `longest` (-1: any
+    // length) can match.
+    bool can_match_length(int shortest, int longest) const
+    {
+        return (longest < 0 || longest >= m_shortest) && (m_longest < 0 || shortest <= m_longest);
+    }
+
     // False when no value of the type can match, whatever its value: the
     // pattern holds a character that the type's text never shows (a letter
     // for a number). Lets a search skip turning such values into text.

@@ -77,6 +77,7 @@ private:
     friend class KOR_TABLE_DATA;
     friend class KOR_ENGINE_ACCESS;
     void resort_fields() { m_fields.resort(); }
+    void fields_changed();
     bool is_pooled() const { return (m_flags & 1) != 0; }
     static void destroy_field(KOR_FIELD_DATA* field);
 

@@ -7,6 +7,7 @@
 #include <QString>
 #include <QUuid>
 
+#include <memory>
 #include <vector>
 
 class KOR_RECORD_DATA;
@@ -59,11 +60,22 @@ public:
     // Deletes every record.
     void clear();
 
+    // Moves whenever records are added, removed or re-keyed, or a value
+    // changes through the engine; never the same for two table objects, so
+    // whatever a reader derived from a table at one generation cannot be
+    // taken for another table's that reused its address.
+    quint64 generation() const { return m_generation; }
+    // The global search's index of the records, kept with the table (and
+    // freed with it) between searches; dropped at every change. Readers on
+    // several threads may fetch and set it while none changes the table.
+    std::shared_ptr<const void> search_index() const;
+    void set_search_index(std::shared_ptr<const void> index) const;
+
 private:
     friend class KOR_ENGINE_ACCESS;
     void destroy_records();
     void copy_records_from(const KOR_TABLE_DATA& other);
-    void changed() { ++m_generation; }
+    void changed();
 
     const KOR_TABLE_SCHEMA* m_table_schema;
     KOR_RECORD_MAP m_records;
@@ -73,6 +85,7 @@ private:
     // Records the engine took out of the table while someone may still hold
     // them; freed with the table.
     std::vector<KOR_RECORD_DATA*> m_retired;
-    quint64 m_generation = 0;
+    quint64 m_generation;
+    mutable std::shared_ptr<const void> m_search_index;
     mutable QHash<QString, QPair<quint64, int>> m_autonumber_cache;
 };
