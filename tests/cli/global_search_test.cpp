@@ -1,6 +1,7 @@
-// The global search: its pattern answers as QRegExp's wildcard syntax does,
-// and a search of a generated database finds what a plain walk with QRegExp
-// finds, in the same order.
+// The global search: its pattern answers as QRegExp's wildcard syntax does;
+// a search finds what a plain walk with QRegExp finds, in the same order, the
+// first time and again from the index it keeps beside each table; and every
+// way a table changes is seen by the next search.
 
 #include "global_search.h"
 #include "kor_field_data.h"
@@ -10,11 +11,14 @@
 #include "kor_table_schema.h"
 #include "kor_xml_query_interface.h"
 #include "sample_project.h"
+#include "test_database_builder.h"
 #include "test_folder.h"
 #include "test_helpers.h"
 
 #include <QRegExp>
 #include <QtTest>
+
+#include <memory>
 
 class GLOBAL_SEARCH_TEST : public QObject
 {
@@ -27,6 +31,10 @@ private slots:
     void search_finds_what_a_plain_walk_finds_data();
     void search_finds_what_a_plain_walk_finds();
     void hooks_hear_failures_and_stop_the_search();
+    void changes_are_seen_by_the_next_search_data();
+    void changes_are_seen_by_the_next_search();
+    void many_distinct_texts_among_repeated_ones();
+    void index_lives_no_longer_than_what_it_describes();
 
 private:
     void make_database();
@@ -131,6 +139,110 @@ void GLOBAL_SEARCH_TEST::make_database()
     QVERIFY2(error.isEmpty(), qPrintable(error));
 }
 
+namespace
+{
+struct SEARCH
+{
+    QString text;
+    Qt::CaseSensitivity sensitivity;
+    bool exact;
+};
+
+QString hit_line(const QString& table, const QString& field, const QString& key, const QString& value)
+{
+    return QStringList{table, field, key, value}.join(QLatin1Char('|'));
+}
+
+// The reference: every table in name order, records in key order, fields in
+// column order, each value's text tested by QRegExp.
+QStringList walked(KOR_XML_QUERY_INTERFACE& engine, const SEARCH& search)
+{
+    QRegExp expression(search.text, search.sensitivity, QRegExp::Wildcard);
+    QStringList found;
+    QMap<QString, bool> names;
+    engine.get_table_names(names);
+    for (const QString& name : names.keys())
+    {
+        QString error;
+        const KOR_TABLE_DATA* table = engine.get_table_data(error, name);
+        if (!table)
+            return {error};
+        for (auto it = table->records().begin(); it != table->records().end(); ++it)
+            for (const QString& field : table->table_schema()->column_ordering())
+            {
+                const QString value = it.value()->get_field_data(field)->value_text();
+                if (search.exact ? expression.exactMatch(value) : value.indexOf(expression) != -1)
+                    found.append(hit_line(name, field, it.key(), value));
+            }
+    }
+    return found;
+}
+
+QStringList searched(KOR_XML_QUERY_INTERFACE& engine, const SEARCH& search)
+{
+    QVector<GLOBAL_SEARCH_HIT> hits;
+    GLOBAL_SEARCH(search.text, search.sensitivity, search.exact).search(engine, hits);
+    QStringList found;
+    for (const GLOBAL_SEARCH_HIT& hit : hits)
+        found.append(hit_line(hit.table_name, hit.field_name, hit.key, hit.value));
+    return found;
+}
+
+const KOR_TABLE_DATA* table_of(KOR_XML_QUERY_INTERFACE& engine, const QString& name)
+{
+    QString error;
+    return engine.get_table_data(error, name);
+}
+
+KOR_RECORD_DATA* record_of(KOR_XML_QUERY_INTERFACE& engine, const QString& table, const QString& key)
+{
+    const KOR_TABLE_DATA* data = table_of(engine, table);
+    return data ? data->record_by_key(key) : nullptr;
+}
+
+// Columns whose display order is not their name order (ignoring case), keys
+// added out of their order, a number column, texts shared by records; read
+// back as the table reader makes them.
+std::unique_ptr<TEST_DATABASE_BUILDER> units_database(const QString& path)
+{
+    auto database = std::make_unique<TEST_DATABASE_BUILDER>(path);
+    database->table(QStringLiteral("units"), {TEST_FIELD::key(QStringLiteral("key")),
+                                              TEST_FIELD::plain(QStringLiteral("Name"), KFT_TEXT),
+                                              TEST_FIELD::plain(QStringLiteral("faction"), KFT_TEXT),
+                                              TEST_FIELD::plain(QStringLiteral("men"), KFT_INTEGER),
+                                              TEST_FIELD::plain(QStringLiteral("alias"), KFT_TEXT)});
+    database->table(QStringLiteral("factions"), {TEST_FIELD::key(QStringLiteral("key")),
+                                                 TEST_FIELD::plain(QStringLiteral("title"), KFT_TEXT)});
+    for (const QVariantMap& unit : QList<QVariantMap>{
+             {{"key", "u10"},
+              {"Name", "Vesh guard"},
+              {"faction", "vesh_empire"},
+              {"men", 120},
+              {"alias", "vesh"}},
+             {{"key", "u02"}, {"Name", "Spearmen"}, {"faction", "rome"}, {"men", 160}},
+             {{"key", "U3"}, {"Name", "Archers"}, {"faction", "vesh_empire"}, {"alias", "VESH bows"}},
+             {{"key", "u1"}, {"Name", "Scouts"}, {"faction", "rome"}, {"men", 17}, {"alias", "Scouts"}},
+             {{"key", "u4"}, {"Name", "Vesh riders"}, {"faction", "vesh_empire"}, {"men", 40}}})
+        database->record(QStringLiteral("units"), unit);
+    database->record(QStringLiteral("factions"), {{"key", "vesh_empire"}, {"title", "The Vesh"}});
+    database->reconnect();
+    return database;
+}
+
+enum CHANGE
+{
+    EDIT_TEXT,
+    EDIT_NUMBER,
+    ADD_RECORD,
+    REMOVE_RECORD,
+    REKEY_RECORD,
+    RELOAD,
+    REORDER_COLUMNS,
+    ADD_FIELD,
+    ROLL_BACK
+};
+} // namespace
+
 void GLOBAL_SEARCH_TEST::search_finds_what_a_plain_walk_finds_data()
 {
     QTest::addColumn<QString>("text");
@@ -142,6 +254,7 @@ void GLOBAL_SEARCH_TEST::search_finds_what_a_plain_walk_finds_data()
     QTest::newRow("numbers by their text") << "1?0" << false << false;
     QTest::newRow("dates by their text") << "*T??:*" << false << true;
     QTest::newRow("yes/no exact") << "true" << true << true;
+    QTest::newRow("empty values") << "" << false << true;
     QTest::newRow("everything") << "*" << false << true;
     QTest::newRow("nothing") << "no such text anywhere" << false << false;
 }
@@ -154,34 +267,18 @@ void GLOBAL_SEARCH_TEST::search_finds_what_a_plain_walk_finds()
     make_database();
     KOR_XML_QUERY_INTERFACE engine(nullptr, QString(), false, false);
     QCOMPARE(engine.connect_without_merge(m_database, false), QString());
-    const Qt::CaseSensitivity sensitivity = case_sensitive ? Qt::CaseSensitive : Qt::CaseInsensitive;
+    const SEARCH search{text, case_sensitive ? Qt::CaseSensitive : Qt::CaseInsensitive, exact};
+    const QStringList expected = walked(engine, search);
 
-    // The reference: every table in name order, records in key order,
-    // fields in column order, each value's text tested by QRegExp.
-    QRegExp expression(text, sensitivity, QRegExp::Wildcard);
-    QStringList expected;
+    QCOMPARE(searched(engine, search), expected);
     QMap<QString, bool> names;
     engine.get_table_names(names);
-    for (const QString& name : names.keys())
-    {
-        QString error;
-        const KOR_TABLE_DATA* table = engine.get_table_data(error, name);
-        QVERIFY2(table, qPrintable(error));
-        for (const KOR_RECORD_DATA* record : table->records())
-            for (const QString& field : table->table_schema()->column_ordering())
-            {
-                const QString value = record->get_field_data(field)->value_text();
-                if (exact ? expression.exactMatch(value) : value.indexOf(expression) != -1)
-                    expected.append(QStringList{name, field, record->key(), value}.join(QLatin1Char('|')));
-            }
-    }
-
-    QVector<GLOBAL_SEARCH_HIT> hits;
-    QVERIFY(GLOBAL_SEARCH(text, sensitivity, exact).search(engine, hits));
-    QStringList found;
-    for (const GLOBAL_SEARCH_HIT& hit : hits)
-        found.append(QStringList{hit.table_name, hit.field_name, hit.key, hit.value}.join(QLatin1Char('|')));
-    QCOMPARE(found, expected);
+    const KOR_TABLE_DATA* table = table_of(engine, names.lastKey());
+    const std::shared_ptr<const void> index = table->search_index();
+    QVERIFY(index);
+    // Again, from the indexes the first search left.
+    QCOMPARE(searched(engine, search), expected);
+    QCOMPARE(table->search_index(), index);
 }
 
 void GLOBAL_SEARCH_TEST::hooks_hear_failures_and_stop_the_search()
@@ -212,6 +309,173 @@ void GLOBAL_SEARCH_TEST::hooks_hear_failures_and_stop_the_search()
     QMap<QString, bool> names;
     engine.get_table_names(names);
     QVERIFY(searched.size() < names.size());
+}
+
+void GLOBAL_SEARCH_TEST::changes_are_seen_by_the_next_search_data()
+{
+    QTest::addColumn<int>("change");
+    QTest::addColumn<QString>("text");
+    QTest::newRow("a text edited") << int(EDIT_TEXT) << "vesh";
+    QTest::newRow("a number edited") << int(EDIT_NUMBER) << "17";
+    QTest::newRow("a record added") << int(ADD_RECORD) << "vesh";
+    QTest::newRow("a record removed") << int(REMOVE_RECORD) << "vesh";
+    QTest::newRow("a key changed") << int(REKEY_RECORD) << "vesh";
+    QTest::newRow("the table read again") << int(RELOAD) << "vesh";
+    QTest::newRow("columns reordered") << int(REORDER_COLUMNS) << "vesh";
+    QTest::newRow("a field added") << int(ADD_FIELD) << "vesh";
+    QTest::newRow("changes rolled back") << int(ROLL_BACK) << "vesh";
+}
+
+void GLOBAL_SEARCH_TEST::changes_are_seen_by_the_next_search()
+{
+    QFETCH(int, change);
+    QFETCH(QString, text);
+    TEST_FOLDER folder;
+    const std::unique_ptr<TEST_DATABASE_BUILDER> database = units_database(folder.file(QStringLiteral("db")));
+    QVERIFY2(database->ok(), qPrintable(database->error()));
+    KOR_XML_QUERY_INTERFACE& engine = database->query_interface();
+    const QString units = QStringLiteral("units");
+    const SEARCH search{text, Qt::CaseInsensitive, false};
+    const QStringList before = searched(engine, search);
+    QCOMPARE(before, walked(engine, search));
+
+    auto edit = [&](KOR_XML_QUERY_INTERFACE& on, const QString& key, const QVariantMap& values) {
+        KOR_RECORD_DATA* record = record_of(on, units, key);
+        return record ? TEST_DATABASE_BUILDER::edit_record(on, units, record, values)
+                      : QStringLiteral("no ") + key;
+    };
+    QString error;
+    switch (CHANGE(change))
+    {
+    case EDIT_TEXT:
+        error = edit(engine, QStringLiteral("u02"), {{"Name", "Vesh spearmen"}});
+        break;
+    case EDIT_NUMBER:
+        error = edit(engine, QStringLiteral("u1"), {{"men", 18}});
+        break;
+    case ADD_RECORD:
+        error =
+            TEST_DATABASE_BUILDER::add_record(engine, units, {{"key", "u05"}, {"faction", "vesh_empire"}});
+        break;
+    case REMOVE_RECORD:
+        error = engine.remove_record(units, *record_of(engine, units, QStringLiteral("u10")));
+        break;
+    case REKEY_RECORD:
+        error = edit(engine, QStringLiteral("u4"), {{"key", "u0"}});
+        break;
+    case RELOAD:
+    {
+        // Another program changes the file; the table is read again, maybe
+        // into the memory the old one had.
+        KOR_XML_QUERY_INTERFACE other(nullptr, QString(), false, false);
+        QCOMPARE(other.connect_without_merge(database->path(), false), QString());
+        error = edit(other, QStringLiteral("u1"), {{"alias", "vesh scouts"}});
+        engine.clear_table_data(units);
+        break;
+    }
+    case REORDER_COLUMNS:
+    {
+        KOR_TABLE_SCHEMA reordered(*engine.get_table_schema(units));
+        reordered.set_column_ordering({"alias", "key", "men", "faction", "Name"});
+        error = engine.edit_table(units, reordered, QString(), QString());
+        break;
+    }
+    case ADD_FIELD:
+    {
+        KOR_TABLE_SCHEMA* schema = engine.get_table_schema(units);
+        std::unique_ptr<KOR_FIELD_SCHEMA> motto(
+            TEST_FIELD::plain(QStringLiteral("motto"), KFT_TEXT).with_default("For Vesh").make());
+        engine.change_schema(error, schema, schema->agf_special_dependencies(), {motto.get()}, {}, {},
+                             QString(), QString());
+        break;
+    }
+    case ROLL_BACK:
+    {
+        QVERIFY2(engine.begin_transaction(error, false), qPrintable(error));
+        QCOMPARE(edit(engine, QStringLiteral("u02"), {{"Name", "Vesh spearmen"}}), QString());
+        QCOMPARE(TEST_DATABASE_BUILDER::add_record(engine, units, {{"key", "u9"}, {"alias", "vesh"}}),
+                 QString());
+        QCOMPARE(engine.remove_record(units, *record_of(engine, units, QStringLiteral("U3"))), QString());
+        // Searched inside the transaction, which sees its own changes.
+        const QStringList during = searched(engine, search);
+        QCOMPARE(during, walked(engine, search));
+        QVERIFY(during != before);
+        engine.terminate_transaction();
+        QCOMPARE(searched(engine, search), before);
+        return;
+    }
+    }
+    QVERIFY2(error.isEmpty(), qPrintable(error));
+    const QStringList after = searched(engine, search);
+    QCOMPARE(after, walked(engine, search));
+    QVERIFY(after != before);
+}
+
+void GLOBAL_SEARCH_TEST::many_distinct_texts_among_repeated_ones()
+{
+    // Enough distinct texts that the index stops looking them up, with a
+    // repeated one among them before and after it does.
+    TEST_FOLDER folder;
+    TEST_DATABASE_BUILDER database(folder.file(QStringLiteral("db")));
+    KOR_XML_QUERY_INTERFACE& engine = database.query_interface();
+    database.table(QStringLiteral("samples"), {TEST_FIELD::key(QStringLiteral("key")),
+                                               TEST_FIELD::plain(QStringLiteral("label"), KFT_TEXT)});
+    QString error;
+    QVERIFY2(engine.begin_transaction(error, false), qPrintable(error));
+    for (int i = 0; i < 6000; ++i)
+        QCOMPARE(TEST_DATABASE_BUILDER::add_record(
+                     engine, QStringLiteral("samples"),
+                     {{"key", QStringLiteral("s%1").arg(i, 4, 10, QLatin1Char('0'))},
+                      {"label", i % 7 == 0 ? QStringLiteral("common") : QStringLiteral("label %1").arg(i)}}),
+                 QString());
+    QVERIFY2(engine.end_transaction(error), qPrintable(error));
+    database.reconnect();
+    QVERIFY2(database.ok(), qPrintable(database.error()));
+
+    for (const SEARCH& search : {SEARCH{QStringLiteral("common"), Qt::CaseSensitive, true},
+                                 SEARCH{QStringLiteral("label 5998"), Qt::CaseSensitive, true},
+                                 SEARCH{QStringLiteral("LABEL 1?3"), Qt::CaseInsensitive, false},
+                                 SEARCH{QStringLiteral("s00?1"), Qt::CaseSensitive, true}})
+    {
+        const QStringList expected = walked(engine, search);
+        QVERIFY2(!expected.isEmpty(), qPrintable(search.text));
+        QCOMPARE(searched(engine, search), expected);
+        QCOMPARE(searched(engine, search), expected);
+    }
+}
+
+void GLOBAL_SEARCH_TEST::index_lives_no_longer_than_what_it_describes()
+{
+    TEST_FOLDER folder;
+    const std::unique_ptr<TEST_DATABASE_BUILDER> database = units_database(folder.file(QStringLiteral("db")));
+    KOR_XML_QUERY_INTERFACE& engine = database->query_interface();
+    const QString units = QStringLiteral("units");
+    const SEARCH search{QStringLiteral("vesh"), Qt::CaseInsensitive, false};
+    searched(engine, search);
+    std::weak_ptr<const void> index = table_of(engine, units)->search_index();
+    QVERIFY(!index.expired());
+    QCOMPARE(TEST_DATABASE_BUILDER::edit_record(engine, units, record_of(engine, units, "u1"), {{"men", 3}}),
+             QString());
+    QVERIFY(index.expired());
+    searched(engine, search);
+    index = table_of(engine, units)->search_index();
+    // A search that walks tables one at a time lets each go after it.
+    engine.clear_table_data(units);
+    QVERIFY(index.expired());
+
+    // A table the application gathers itself: fields added to and removed
+    // from its records are seen too.
+    const KOR_TABLE_SCHEMA* schema = engine.get_table_schema(units);
+    KOR_TABLE_DATA gathered(schema);
+    QVERIFY(gathered.add_record(TEST_DATABASE_BUILDER::make_record(schema, {{"key", "a"}}).release()));
+    const GLOBAL_SEARCH vesh(QStringLiteral("vesh"), Qt::CaseInsensitive, false);
+    QVector<GLOBAL_SEARCH_HIT> hits;
+    QCOMPARE(vesh.search_table(gathered, hits), 0);
+    KOR_RECORD_DATA* record = gathered.record_by_key(QStringLiteral("a"));
+    record->add_field_data(schema->field_schema_by_name(QStringLiteral("alias")), QStringLiteral("Vesh"));
+    QCOMPARE(vesh.search_table(gathered, hits), 1);
+    QVERIFY(record->remove_field_data(QStringLiteral("alias")));
+    QCOMPARE(vesh.search_table(gathered, hits), 0);
 }
 
 QTEST_GUILESS_MAIN(GLOBAL_SEARCH_TEST)
