@@ -1,5 +1,7 @@
 #include "cli_output.h"
 
+#include "kor_update_command_codec.h"
+
 #include <QIODevice>
 
 CLI_OUTPUT::CLI_OUTPUT(QIODevice& out, QIODevice& err, bool err_is_terminal)
@@ -61,29 +63,9 @@ void CLI_OUTPUT::note(const QString& text)
 
 QString CLI_OUTPUT::field(const QString& text)
 {
-    QString result;
-    result.reserve(text.size());
-    for (const QChar c : text)
-    {
-        switch (c.unicode())
-        {
-        case '\t':
-            result += QLatin1String("\\t");
-            break;
-        case '\n':
-            result += QLatin1String("\\n");
-            break;
-        case '\r':
-            result += QLatin1String("\\r");
-            break;
-        case '\\':
-            result += QLatin1String("\\\\");
-            break;
-        default:
-            result += c;
-        }
-    }
-    return result;
+    // The escaping of the engine's update command files: a value reads the
+    // same in a report and in the file that recorded its change.
+    return KOR_UPDATE_COMMAND_CODEC::escape(text);
 }
 
 QString CLI_OUTPUT::row(const QStringList& fields)

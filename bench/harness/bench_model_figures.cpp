@@ -7,42 +7,17 @@
 
 #include "kor_table_schema.h"
 #include "kor_xml_query_interface.h"
-#include "veld_filter_row.h"
+#include "veld_fixed_filter_row.h"
 #include "veld_table_data_view_model.h"
 #include "veld_table_data_view_sort_model.h"
 
 #include <QElapsedTimer>
-#include <QRegExp>
 
 #include <memory>
 #include <vector>
 
 namespace
 {
-// A filter row as the filter widget implements it, without the widget.
-struct ROW : VELD_FILTER_ROW
-{
-    ROW(int column, const QString& pattern, int left, int right, bool joins_or)
-        : column(column), expression(pattern, Qt::CaseInsensitive), left(left), right(right),
-          joins_or(joins_or)
-    {
-    }
-    int column;
-    mutable QRegExp expression;
-    int left;
-    int right;
-    bool joins_or;
-
-    bool filter_enabled() const override { return true; }
-    int left_bracket_count() const override { return left; }
-    int right_bracket_count() const override { return right; }
-    bool joins_next_with_or() const override { return joins_or; }
-    bool is_inverted() const override { return false; }
-    int filter_column() const override { return column; }
-    QString pattern_text() const override { return expression.pattern(); }
-    bool test(const QString& text) const override { return expression.indexIn(text) != -1; }
-};
-
 double elapsed_ms(const QElapsedTimer& timer)
 {
     return double(timer.nsecsElapsed()) / 1e6;
@@ -120,16 +95,12 @@ void model(const CONTEXT& context)
     report.add(open);
 
     // Filter: key has "7" AND (faction shows "vesh" OR turn starts with 1).
-    std::vector<std::unique_ptr<ROW>> rows;
-    rows.emplace_back(new ROW(key, QStringLiteral("7"), 0, 0, false));
-    rows.emplace_back(new ROW(faction, QStringLiteral("vesh"), 1, 0, true));
-    rows.emplace_back(new ROW(turn, QStringLiteral("^1"), 0, 1, false));
-    proxy->set_filter_rows([&rows] {
-        QList<VELD_FILTER_ROW*> list;
-        for (const auto& row : rows)
-            list.append(row.get());
-        return list;
-    });
+    std::vector<VELD_FIXED_FILTER_ROW> rows{{key, QStringLiteral("7")}, {faction, QStringLiteral("vesh")},
+                                            {turn, QStringLiteral("^1")}};
+    rows[1].left = 1;
+    rows[1].joins_or = true;
+    rows[2].right = 1;
+    proxy->set_filter_rows([&rows] { return VELD_FIXED_FILTER_ROW::pointers(rows); });
     proxy->build_filter_tree();
     int shown = 0;
     BENCH_FIGURE filter;

@@ -12,13 +12,13 @@
 #include "kor_record_data.h"
 #include "kor_table_schema.h"
 #include "kor_xml_query_interface.h"
+#include "veld_fixed_filter_row.h"
 #include "veld_table_data_view_model.h"
 #include "veld_table_data_view_sort_model.h"
 
 #include <QCoreApplication>
 #include <QElapsedTimer>
 #include <QFile>
-#include <QRegExp>
 #include <QTemporaryDir>
 
 #include <malloc.h>
@@ -45,30 +45,6 @@ QString faction_key(int i)
 {
     return QStringLiteral("f%1").arg(i, 2, 10, QLatin1Char('0'));
 }
-
-// A filter row as the widget implements it, without the widget.
-struct ROW : VELD_FILTER_ROW
-{
-    ROW(int column, const QString& pattern, int left, int right, bool joins_or)
-        : column(column), expression(pattern, Qt::CaseInsensitive), left(left), right(right),
-          joins_or(joins_or)
-    {
-    }
-    int column;
-    mutable QRegExp expression;
-    int left;
-    int right;
-    bool joins_or;
-
-    bool filter_enabled() const override { return true; }
-    int left_bracket_count() const override { return left; }
-    int right_bracket_count() const override { return right; }
-    bool joins_next_with_or() const override { return joins_or; }
-    bool is_inverted() const override { return false; }
-    int filter_column() const override { return column; }
-    QString pattern_text() const override { return expression.pattern(); }
-    bool test(const QString& text) const override { return expression.indexIn(text) != -1; }
-};
 
 bool build_database(const QString& path, int records, QString& error)
 {
@@ -281,16 +257,12 @@ int main(int argc, char** argv)
     proxy.sort(2, Qt::AscendingOrder);
 
     // Filter: unit has "7" AND (faction shows "gold" OR cost starts with 1).
-    std::vector<std::unique_ptr<ROW>> rows;
-    rows.emplace_back(new ROW(0, QStringLiteral("7"), 0, 0, false));
-    rows.emplace_back(new ROW(1, QStringLiteral("gold"), 1, 0, true));
-    rows.emplace_back(new ROW(2, QStringLiteral("^1"), 0, 1, false));
-    proxy.set_filter_rows([&rows] {
-        QList<VELD_FILTER_ROW*> list;
-        for (const auto& row : rows)
-            list.append(row.get());
-        return list;
-    });
+    std::vector<VELD_FIXED_FILTER_ROW> rows{{0, QStringLiteral("7")}, {1, QStringLiteral("gold")},
+                                            {2, QStringLiteral("^1")}};
+    rows[1].left = 1;
+    rows[1].joins_or = true;
+    rows[2].right = 1;
+    proxy.set_filter_rows([&rows] { return VELD_FIXED_FILTER_ROW::pointers(rows); });
     const QString warning = proxy.build_filter_tree();
     if (!warning.isEmpty())
         std::fprintf(stderr, "unexpected warning: %s\n", qPrintable(warning));
@@ -303,7 +275,7 @@ int main(int argc, char** argv)
     report("filter: three rows with brackets, display text", elapsed,
            QStringLiteral("%1 rows shown").arg(shown));
     proxy.set_filter_on_display_text(0);
-    rows[1]->expression.setPattern(QStringLiteral("^f1"));
+    rows[1].set_pattern(QStringLiteral("^f1"));
     elapsed = best_of(repeats, nullptr, filter);
     report("filter: three rows with brackets, underlying values", elapsed,
            QStringLiteral("%1 rows shown").arg(shown));

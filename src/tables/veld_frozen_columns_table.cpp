@@ -33,8 +33,16 @@ VELD_FROZEN_COLUMNS_TABLE::VELD_FROZEN_COLUMNS_TABLE(QAbstractItemModel* model, 
     connect(m_frozen_view->horizontalHeader(), &QHeaderView::customContextMenuRequested, this,
             &VELD_FROZEN_COLUMNS_TABLE::field_context_menu);
 
-    connect(m_frozen_view->verticalScrollBar(), &QAbstractSlider::valueChanged, verticalScrollBar(),
-            &QAbstractSlider::setValue);
+    // The overlay lays out its rows after the view does, so for a moment its
+    // range can be shorter: it takes the view's range, and only a shown
+    // overlay (one the user scrolls) drives the view back, so a clamped value
+    // never pulls a scroll to a row just added up short of it.
+    connect(verticalScrollBar(), &QAbstractSlider::rangeChanged, m_frozen_view->verticalScrollBar(),
+            &QAbstractSlider::setRange);
+    connect(m_frozen_view->verticalScrollBar(), &QAbstractSlider::valueChanged, this, [this](int value) {
+        if (m_frozen_view->isVisible())
+            verticalScrollBar()->setValue(value);
+    });
     connect(verticalScrollBar(), &QAbstractSlider::valueChanged, m_frozen_view->verticalScrollBar(),
             &QAbstractSlider::setValue);
     connect(horizontalHeader(), &QHeaderView::sectionMoved, this, &VELD_FROZEN_COLUMNS_TABLE::moveColumns);

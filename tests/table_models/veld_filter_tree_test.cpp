@@ -1,37 +1,11 @@
 #include "veld_filter_tree.h"
+#include "veld_fixed_filter_row.h"
 
-#include <QRegExp>
 #include <QtTest>
 
 namespace
 {
-// A filter row as the logic sees it. Its pattern is matched as a regular
-// expression, case-insensitively, like the widget's default.
-struct ROW : VELD_FILTER_ROW
-{
-    bool enabled = true;
-    int left = 0;
-    int right = 0;
-    bool joins_or = false;
-    bool inverted = false;
-    int column = 0;
-    QString pattern = QStringLiteral("1");
-
-    bool filter_enabled() const override { return enabled; }
-    int left_bracket_count() const override { return left; }
-    int right_bracket_count() const override { return right; }
-    bool joins_next_with_or() const override { return joins_or; }
-    bool is_inverted() const override { return inverted; }
-    int filter_column() const override { return column; }
-    QString pattern_text() const override { return pattern; }
-    bool test(const QString& text) const override
-    {
-        if (!enabled)
-            return true;
-        const bool match = QRegExp(pattern, Qt::CaseInsensitive).indexIn(text) != -1;
-        return inverted ? !match : match;
-    }
-};
+using ROW = VELD_FIXED_FILTER_ROW;
 
 // Rows written as text, one letter a row, e.g. "a&(b|c)": the letter is the
 // row (a tests column 0, b column 1, ...), "&" and "|" its join with the next
@@ -52,12 +26,10 @@ std::vector<ROW> rows_of(const QString& text)
             pending_disabled = true;
         else if (c.isLetter())
         {
-            ROW row;
-            row.column = c.toLatin1() - 'a';
+            ROW row(c.toLatin1() - 'a', QString(c));
             row.left = pending_left;
             row.inverted = pending_not;
             row.enabled = !pending_disabled;
-            row.pattern = QString(c);
             rows.push_back(row);
             pending_left = 0;
             pending_not = false;
@@ -69,14 +41,6 @@ std::vector<ROW> rows_of(const QString& text)
             rows.back().joins_or = true;
     }
     return rows;
-}
-
-QList<VELD_FILTER_ROW*> pointers(std::vector<ROW>& rows)
-{
-    QList<VELD_FILTER_ROW*> list;
-    for (ROW& row : rows)
-        list.append(&row);
-    return list;
 }
 
 // The tree's shape: letters for leaves, brackets for groups.
@@ -140,7 +104,7 @@ void VELD_FILTER_TREE_TEST::evaluates_left_to_right()
     QFETCH(QString, truth);
     std::vector<ROW> list = rows_of(rows);
     VELD_FILTER_TREE tree;
-    QCOMPARE(tree.build(pointers(list)), QString());
+    QCOMPARE(tree.build(ROW::pointers(list)), QString());
     QString results;
     for (int bits = 0; bits < 8; ++bits)
         results += accepts(tree, bits) ? QLatin1Char('1') : QLatin1Char('0');
@@ -187,7 +151,7 @@ void VELD_FILTER_TREE_TEST::builds_groups()
     QFETCH(bool, warning);
     std::vector<ROW> list = rows_of(rows);
     VELD_FILTER_TREE tree;
-    const QString text = tree.build(pointers(list));
+    const QString text = tree.build(ROW::pointers(list));
     QCOMPARE(::shape(tree.nodes()), shape);
     QCOMPARE(text, warning ? QStringLiteral("\tWarning: There are some mis-matched brackets") : QString());
 }
@@ -198,7 +162,7 @@ void VELD_FILTER_TREE_TEST::disabled_rows_take_no_part()
     // one unmatched.
     std::vector<ROW> list = rows_of(QStringLiteral("(a&~b)&c"));
     VELD_FILTER_TREE tree;
-    QCOMPARE(tree.build(pointers(list)), VELD_FILTER_TREE::mismatched_brackets_warning);
+    QCOMPARE(tree.build(ROW::pointers(list)), VELD_FILTER_TREE::mismatched_brackets_warning);
     QCOMPARE(shape(tree.nodes()), QStringLiteral("ac"));
     // b is not in the tree: a record without b passes when a and c hold.
     QVERIFY(accepts(tree, 1 | 4));
@@ -209,7 +173,7 @@ void VELD_FILTER_TREE_TEST::empty_tree_accepts_every_record()
 {
     VELD_FILTER_TREE tree;
     std::vector<ROW> list = rows_of(QStringLiteral("~a&~b"));
-    QCOMPARE(tree.build(pointers(list)), QString());
+    QCOMPARE(tree.build(ROW::pointers(list)), QString());
     QVERIFY(tree.is_empty());
     QVERIFY(accepts(tree, 0));
 }
@@ -219,7 +183,7 @@ void VELD_FILTER_TREE_TEST::group_joins_by_its_last_leaf()
     // (a AND b) joined to c by b's Or box; a's box is AND.
     std::vector<ROW> list = rows_of(QStringLiteral("(a&b)|c"));
     VELD_FILTER_TREE tree;
-    tree.build(pointers(list));
+    tree.build(ROW::pointers(list));
     QVERIFY(tree.nodes().first().joins_next_with_or());
     QVERIFY(accepts(tree, 4));
     QVERIFY(!accepts(tree, 1));
@@ -234,7 +198,7 @@ void VELD_FILTER_TREE_TEST::skipped_cells_are_not_fetched()
     // rest are not asked for, and the answer is the same.
     std::vector<ROW> list = rows_of(QStringLiteral("a&b|c"));
     VELD_FILTER_TREE tree;
-    tree.build(pointers(list));
+    tree.build(ROW::pointers(list));
     QList<int> fetched;
     const bool result = tree.accepts([&](int column) {
         fetched.append(column);
@@ -262,7 +226,7 @@ void VELD_FILTER_TREE_TEST::expression_text()
     QFETCH(QString, rows);
     QFETCH(QString, text);
     std::vector<ROW> list = rows_of(rows);
-    QCOMPARE(VELD_FILTER_TREE::expression_text(pointers(list)), text);
+    QCOMPARE(VELD_FILTER_TREE::expression_text(ROW::pointers(list)), text);
 }
 
 QTEST_APPLESS_MAIN(VELD_FILTER_TREE_TEST)

@@ -1,11 +1,11 @@
 #include "kor_record_data.h"
 #include "table_model_test_database.h"
+#include "veld_fixed_filter_row.h"
 #include "veld_table_data_view_model.h"
 #include "veld_table_data_view_sort_model.h"
 
 #include <QAbstractItemModelTester>
 #include <QDateTime>
-#include <QRegExp>
 #include <QtTest>
 
 namespace
@@ -18,34 +18,6 @@ enum UNITS_COLUMN
     NOTES = 10
 };
 
-// A filter row as a plain object; the pattern is a case-sensitive regular
-// expression.
-struct ROW : VELD_FILTER_ROW
-{
-    ROW(int column, const QString& pattern, bool joins_or = false)
-        : column(column), pattern(pattern), joins_or(joins_or)
-    {
-    }
-    int column;
-    QString pattern;
-    bool joins_or;
-    int left = 0;
-    int right = 0;
-    bool inverted = false;
-
-    bool filter_enabled() const override { return true; }
-    int left_bracket_count() const override { return left; }
-    int right_bracket_count() const override { return right; }
-    bool joins_next_with_or() const override { return joins_or; }
-    bool is_inverted() const override { return inverted; }
-    int filter_column() const override { return column; }
-    QString pattern_text() const override { return pattern; }
-    bool test(const QString& text) const override
-    {
-        const bool match = QRegExp(pattern).indexIn(text) != -1;
-        return inverted ? !match : match;
-    }
-};
 } // namespace
 
 class VELD_TABLE_DATA_VIEW_SORT_MODEL_TEST : public QObject
@@ -77,7 +49,8 @@ private:
     std::unique_ptr<TABLE_MODEL_TEST_DATABASE> m_db;
     std::unique_ptr<VELD_TABLE_DATA_VIEW_MODEL> m_model;
     std::unique_ptr<VELD_TABLE_DATA_VIEW_SORT_MODEL> m_proxy;
-    std::vector<std::unique_ptr<ROW>> m_rows;
+    // Patterns are case-sensitive here.
+    std::vector<VELD_FIXED_FILTER_ROW> m_rows;
 };
 
 void VELD_TABLE_DATA_VIEW_SORT_MODEL_TEST::init()
@@ -91,12 +64,7 @@ void VELD_TABLE_DATA_VIEW_SORT_MODEL_TEST::init()
     m_proxy->setSourceModel(m_model.get());
     m_proxy->setDynamicSortFilter(true);
     m_rows.clear();
-    m_proxy->set_filter_rows([this] {
-        QList<VELD_FILTER_ROW*> rows;
-        for (const auto& row : m_rows)
-            rows.append(row.get());
-        return rows;
-    });
+    m_proxy->set_filter_rows([this] { return VELD_FIXED_FILTER_ROW::pointers(m_rows); });
 }
 
 void VELD_TABLE_DATA_VIEW_SORT_MODEL_TEST::cleanup()
@@ -118,7 +86,7 @@ void VELD_TABLE_DATA_VIEW_SORT_MODEL_TEST::stays_consistent_while_sorting_filter
 {
     QAbstractItemModelTester tester(m_proxy.get(), QAbstractItemModelTester::FailureReportingMode::QtTest);
     m_proxy->sort(COST, Qt::AscendingOrder);
-    m_rows.emplace_back(new ROW(UNIT, QStringLiteral("a")));
+    m_rows.emplace_back(UNIT, QStringLiteral("a"), Qt::CaseSensitive);
     m_proxy->build_filter_tree();
     m_proxy->invalidate();
     QCOMPARE(keys_in_proxy_order(), (QStringList{"hastati", "archers"}));
@@ -238,7 +206,7 @@ void VELD_TABLE_DATA_VIEW_SORT_MODEL_TEST::filter_expression_selects_records()
     {
         if (part == QLatin1String("&") || part == QLatin1String("|"))
         {
-            m_rows.back()->joins_or = part == QLatin1String("|");
+            m_rows.back().joins_or = part == QLatin1String("|");
             continue;
         }
         int left = 0;
@@ -248,9 +216,9 @@ void VELD_TABLE_DATA_VIEW_SORT_MODEL_TEST::filter_expression_selects_records()
         while (part.endsWith(QLatin1Char(')')))
             ++right, part.chop(1);
         const int colon = part.indexOf(QLatin1Char(':'));
-        m_rows.emplace_back(new ROW(columns.value(part.left(colon)), part.mid(colon + 1)));
-        m_rows.back()->left = left;
-        m_rows.back()->right = right;
+        m_rows.emplace_back(columns.value(part.left(colon)), part.mid(colon + 1), Qt::CaseSensitive);
+        m_rows.back().left = left;
+        m_rows.back().right = right;
     }
     m_proxy->set_filter_on_display_text(on_display_text);
     QCOMPARE(m_proxy->build_filter_tree(), QString());
@@ -261,7 +229,7 @@ void VELD_TABLE_DATA_VIEW_SORT_MODEL_TEST::filter_expression_selects_records()
 
 void VELD_TABLE_DATA_VIEW_SORT_MODEL_TEST::pending_rows_are_never_filtered_out()
 {
-    m_rows.emplace_back(new ROW(UNIT, QStringLiteral("^hast")));
+    m_rows.emplace_back(UNIT, QStringLiteral("^hast"), Qt::CaseSensitive);
     m_proxy->build_filter_tree();
     m_proxy->invalidate();
     m_proxy->sort(UNIT, Qt::AscendingOrder);
@@ -373,13 +341,14 @@ void VELD_TABLE_DATA_VIEW_SORT_MODEL_TEST::write_to_the_sort_key_lands_on_its_re
 
 void VELD_TABLE_DATA_VIEW_SORT_MODEL_TEST::expression_text_and_warning_come_from_the_rows()
 {
-    m_rows.emplace_back(new ROW(UNIT, QStringLiteral("a"), true));
-    m_rows.back()->left = 1;
-    m_rows.emplace_back(new ROW(COST, QStringLiteral("^1")));
-    m_rows.back()->inverted = true;
+    m_rows.emplace_back(UNIT, QStringLiteral("a"), Qt::CaseSensitive);
+    m_rows.back().joins_or = true;
+    m_rows.back().left = 1;
+    m_rows.emplace_back(COST, QStringLiteral("^1"), Qt::CaseSensitive);
+    m_rows.back().inverted = true;
     QCOMPARE(m_proxy->filter_expression_text(), QStringLiteral("(a OR NOT ^1"));
     QCOMPARE(m_proxy->build_filter_tree(), QStringLiteral("\tWarning: There are some mis-matched brackets"));
-    m_rows.back()->right = 1;
+    m_rows.back().right = 1;
     QCOMPARE(m_proxy->build_filter_tree(), QString());
     QCOMPARE(m_proxy->filter_tree().nodes().size(), 1);
 }

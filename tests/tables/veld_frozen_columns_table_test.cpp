@@ -154,6 +154,34 @@ private slots:
         QCOMPARE(view.frozen_width(), 140);
     }
 
+    // The overlay lays out its rows later than the view; its shorter range
+    // must not pull a scroll to the new last row back up.
+    void scrolling_to_a_row_just_added_reaches_it_data()
+    {
+        QTest::addColumn<bool>("frozen");
+        QTest::newRow("nothing frozen") << false;
+        QTest::newRow("a column frozen") << true;
+    }
+    void scrolling_to_a_row_just_added_reaches_it()
+    {
+        QFETCH(bool, frozen);
+        VELD_FROZEN_COLUMNS_TABLE view(&m_model);
+        view.resize(400, 200);
+        view.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&view));
+        if (frozen)
+            choose_from_header_menu(view, false, 1, "Freeze Column");
+        view.scrollToBottom();
+
+        m_model.appendRow(new QStandardItem(QStringLiteral("added")));
+        view.scrollToBottom();
+        QCOMPARE(view.verticalScrollBar()->value(), view.verticalScrollBar()->maximum());
+        QApplication::processEvents();
+        const QRect last = view.visualRect(m_model.index(m_model.rowCount() - 1, 0));
+        QVERIFY(view.viewport()->rect().contains(last));
+        QCOMPARE(view.frozen_view()->verticalScrollBar()->value(), view.verticalScrollBar()->value());
+    }
+
     void sorting_from_the_overlay_sorts_the_shared_model()
     {
         VELD_FROZEN_COLUMNS_TABLE view(&m_model);
