@@ -45,7 +45,7 @@ int GLOBAL_SEARCH::search_table(const KOR_TABLE_DATA& table, QVector<GLOBAL_SEAR
     const KOR_TABLE_SCHEMA* schema = table.table_schema();
     if (!schema)
         return 0;
-    // Held while searching: the table may be given a new index meanwhile.
+    // Held while searching, should another reader give the table a new one.
     const std::shared_ptr<const GLOBAL_SEARCH_INDEX> index = GLOBAL_SEARCH_INDEX::of(table);
 
     std::vector<TESTED_COLUMN> tested;
