@@ -20,7 +20,7 @@ class KOR_SQL_EXECUTOR
 public:
     // A guard against runaway joins filling memory: more rows than this are
     // refused with a message.
-    static const int MAX_ROWS = 2000000;
+    static constexpr int MAX_ROWS = 2000000;
 
     // Fills `results` (emptied first) or returns false with the error set and
     // the results empty.

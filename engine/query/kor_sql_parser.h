@@ -22,7 +22,7 @@
 class KOR_SQL_PARSER
 {
 public:
-    static const int MAX_DEPTH = 64;
+    static constexpr int MAX_DEPTH = 64;
 
     // False with a message naming the position and the offending token.
     static bool parse(const QString& sql, KOR_SQL_STATEMENT& statement, QString& error);

@@ -19,7 +19,7 @@
 class DIFF_TABLE_SCAN
 {
 public:
-    static const qint64 LARGE_TABLE_BYTES = 15000000;
+    static constexpr qint64 LARGE_TABLE_BYTES = 15000000;
 
     // Progress: files hashed so far and in all (both folders).
     typedef std::function<void(int done, int count)> PROGRESS;

@@ -33,8 +33,8 @@ class GLOBAL_SEARCH_INDEX
 {
 public:
     // What a record holds in a column besides a text's number.
-    static const quint32 ABSENT = 0xffffffffu; // no such field in the record
-    static const quint32 OTHER = 0xfffffffeu;  // a value not held as text
+    static constexpr quint32 ABSENT = 0xffffffffu; // no such field in the record
+    static constexpr quint32 OTHER = 0xfffffffeu;  // a value not held as text
 
     struct COLUMN
     {
