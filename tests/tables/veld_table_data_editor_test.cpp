@@ -90,6 +90,13 @@ QModelIndex cell(VELD_TABLE_DATA_EDITOR& editor, const QString& key, const QStri
     return editor.proxy().mapFromSource(editor.model().index(row, column_of(editor, field)));
 }
 
+// The editor the delegate makes for the cell.
+std::unique_ptr<QWidget> cell_editor(VELD_TABLE_DATA_EDITOR& editor, const QModelIndex& index)
+{
+    return std::unique_ptr<QWidget>(
+        editor.delegate()->createEditor(editor.view()->viewport(), QStyleOptionViewItem(), index));
+}
+
 QStringList item_texts(const QComboBox* box)
 {
     QStringList texts;
@@ -140,8 +147,6 @@ private slots:
         QCOMPARE(editor->windowTitle(), QString("Table Data Editor - units"));
         QCOMPARE(editor->form().record_count->text(), QString("3"));
         QCOMPARE(editor->form().showing->text(), QString("3"));
-        QCOMPARE(editor->view()->objectName(), QString("tableEditor"));
-        QVERIFY(editor->view()->horizontalHeader()->sectionsMovable());
         QVERIFY(editor->form().applyButton->isEnabled());
         QVERIFY(!editor->form().showSchema->isEnabled()); // no main window
         QCOMPARE(editor->proxy().index(0, 0).data().toString(), QString("elephants"));
@@ -357,8 +362,6 @@ private slots:
     {
         auto editor = open_editor();
         QVERIFY(editor);
-        QCOMPARE(editor->form().modifiedAfter->dateTime(), QDateTime(QDate(2000, 1, 1), QTime(0, 0)));
-        QCOMPARE(editor->form().modifiedBefore->dateTime(), QDateTime(QDate(2020, 1, 1), QTime(0, 0)));
         const QDateTime after(QDate(2021, 3, 4), QTime(5, 6, 7));
         editor->form().modifiedAfter->setDateTime(after);
         editor->saveModificationDates();
@@ -390,35 +393,33 @@ private slots:
     void cell_editors_follow_the_field_data()
     {
         QTest::addColumn<QString>("field");
-        QTest::addColumn<QString>("kind");
         QTest::addColumn<QStringList>("items");
         QTest::addColumn<QString>("current");
+        QTest::addColumn<QString>("kind");
 
-        QTest::newRow("yes/no") << "elite"
-                                << "QCheckBox" << QStringList{} << "";
+        QTest::newRow("yes/no") << "elite" << QStringList{} << ""
+                                << "QCheckBox";
         QTest::newRow("fixed values, empty choice first")
-            << "category"
-            << "FilteredDropdownComboBox" << QStringList{"", "cavalry", "infantry", "siege"} << "infantry";
+            << "category" << QStringList{"", "cavalry", "infantry", "siege"} << "infantry"
+            << "FilteredDropdownComboBox";
         QTest::newRow("lookup, display texts, empty choice last")
-            << "faction"
-            << "FilteredDropdownComboBox" << QStringList{"Carthage", "Rome", ""} << "Rome";
-        QTest::newRow("plain text") << "notes"
-                                    << "QLineEdit" << QStringList{} << "";
+            << "faction" << QStringList{"Carthage", "Rome", ""} << "Rome"
+            << "FilteredDropdownComboBox";
+        QTest::newRow("line edit") << "men" << QStringList{} << "60"
+                                   << "QLineEdit";
     }
 
     void cell_editors_follow_the_field()
     {
         QFETCH(QString, field);
-        QFETCH(QString, kind);
         QFETCH(QStringList, items);
         QFETCH(QString, current);
+        QFETCH(QString, kind);
 
         auto editor = open_editor();
         QVERIFY(editor);
         const QModelIndex index = cell(*editor, "hastati", field);
-        QStyleOptionViewItem option;
-        std::unique_ptr<QWidget> widget(
-            editor->delegate()->createEditor(editor->view()->viewport(), option, index));
+        std::unique_ptr<QWidget> widget = cell_editor(*editor, index);
         QVERIFY(widget);
         QVERIFY(widget->inherits(qPrintable(kind.startsWith("Filtered") ? "QTSHARED::" + kind : kind)));
         QVERIFY(widget->autoFillBackground());
@@ -428,23 +429,15 @@ private slots:
             QCOMPARE(item_texts(box), items);
             QCOMPARE(box->currentText(), current);
         }
-    }
-
-    void a_line_edit_opens_with_all_but_the_last_character_selected()
-    {
-        auto editor = open_editor();
-        const QModelIndex index = cell(*editor, "hastati", "men");
-        QStyleOptionViewItem option;
-        std::unique_ptr<QWidget> widget(
-            editor->delegate()->createEditor(editor->view()->viewport(), option, index));
-        auto* line = qobject_cast<QLineEdit*>(widget.get());
-        QVERIFY(line);
-        editor->delegate()->setEditorData(line, index);
-        QCOMPARE(line->text(), QString("60"));
-        QCOMPARE(line->selectedText(), QString("6"));
-        line->setText("61");
-        editor->delegate()->setModelData(line, &editor->proxy(), index);
-        QCOMPARE(index.data(Qt::EditRole).toString(), QString("61"));
+        else if (auto* line = qobject_cast<QLineEdit*>(widget.get()))
+        {
+            // It opens with all but the last character selected.
+            QCOMPARE(line->text(), current);
+            QCOMPARE(line->selectedText(), current.chopped(1));
+            line->setText("61");
+            editor->delegate()->setModelData(line, &editor->proxy(), index);
+            QCOMPARE(index.data(Qt::EditRole).toString(), QString("61"));
+        }
     }
 
     void dropdown_filters_and_underlying_values_shape_the_choices()
@@ -457,9 +450,7 @@ private slots:
         editor->form().dropdownDisplay->setCurrentText("Underlying");
 
         const QModelIndex index = cell(*editor, "elephants", "faction");
-        QStyleOptionViewItem option;
-        std::unique_ptr<QWidget> widget(
-            editor->delegate()->createEditor(editor->view()->viewport(), option, index));
+        std::unique_ptr<QWidget> widget = cell_editor(*editor, index);
         auto* box = qobject_cast<QTSHARED::FilteredDropdownComboBox*>(widget.get());
         QVERIFY(box);
         // The filter tests the display text "Rome"; the item shows the value.
