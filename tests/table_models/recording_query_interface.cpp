@@ -8,34 +8,25 @@ RECORDING_QUERY_INTERFACE::RECORDING_QUERY_INTERFACE()
 {
 }
 
-bool RECORDING_QUERY_INTERFACE::failing(const QString& word)
+QString RECORDING_QUERY_INTERFACE::logged(const QString& line)
 {
-    if (fail_next != word)
-        return false;
+    log.append(line);
+    if (fail_next.isEmpty() || fail_next != line.section(QLatin1Char(' '), 0, 0))
+        return QString();
     fail_next.clear();
-    return true;
+    return failure_text;
 }
 
 bool RECORDING_QUERY_INTERFACE::begin_transaction(QString& error, bool flag)
 {
-    log.append(QStringLiteral("begin"));
-    if (failing(QStringLiteral("begin")))
-    {
-        error = failure_text;
-        return false;
-    }
-    return KOR_XML_QUERY_INTERFACE::begin_transaction(error, flag);
+    error = logged(QStringLiteral("begin"));
+    return error.isEmpty() && KOR_XML_QUERY_INTERFACE::begin_transaction(error, flag);
 }
 
 bool RECORDING_QUERY_INTERFACE::end_transaction(QString& error)
 {
-    log.append(QStringLiteral("end"));
-    if (failing(QStringLiteral("end")))
-    {
-        error = failure_text;
-        return false;
-    }
-    return KOR_XML_QUERY_INTERFACE::end_transaction(error);
+    error = logged(QStringLiteral("end"));
+    return error.isEmpty() && KOR_XML_QUERY_INTERFACE::end_transaction(error);
 }
 
 void RECORDING_QUERY_INTERFACE::terminate_transaction()
@@ -46,10 +37,8 @@ void RECORDING_QUERY_INTERFACE::terminate_transaction()
 
 QString RECORDING_QUERY_INTERFACE::remove_record(const QString& table_name, const KOR_RECORD_DATA& record)
 {
-    log.append(QStringLiteral("remove ") + record.key());
-    if (failing(QStringLiteral("remove")))
-        return failure_text;
-    return KOR_XML_QUERY_INTERFACE::remove_record(table_name, record);
+    const QString failure = logged(QStringLiteral("remove ") + record.key());
+    return failure.isEmpty() ? KOR_XML_QUERY_INTERFACE::remove_record(table_name, record) : failure;
 }
 
 QString RECORDING_QUERY_INTERFACE::edit_record_data(const QString& table_name,
@@ -62,27 +51,24 @@ QString RECORDING_QUERY_INTERFACE::edit_record_data(const QString& table_name,
         const KOR_FIELD_DATA* data = new_record ? new_record->get_field_data(field) : nullptr;
         line += QLatin1Char(' ') + field + QLatin1Char('=') + (data ? data->value_text() : QString());
     }
-    log.append(line);
-    if (failing(QStringLiteral("edit")))
-        return failure_text;
-    return KOR_XML_QUERY_INTERFACE::edit_record_data(table_name, old_record, new_record);
+    const QString failure = logged(line);
+    return failure.isEmpty() ? KOR_XML_QUERY_INTERFACE::edit_record_data(table_name, old_record, new_record)
+                             : failure;
 }
 
 QString RECORDING_QUERY_INTERFACE::add_record(const QString& table_name, const KOR_RECORD_DATA* record)
 {
-    log.append(QStringLiteral("add ") + (record ? record->key() : QString()));
-    if (failing(QStringLiteral("add")))
-        return failure_text;
-    return KOR_XML_QUERY_INTERFACE::add_record(table_name, record);
+    const QString failure = logged(QStringLiteral("add ") + (record ? record->key() : QString()));
+    return failure.isEmpty() ? KOR_XML_QUERY_INTERFACE::add_record(table_name, record) : failure;
 }
 
 QString RECORDING_QUERY_INTERFACE::set_field_description(const QString& table_name, const QString& field_name,
                                                          const QUuid& field_uuid, const QString& description)
 {
-    log.append(QStringLiteral("describe ") + field_name + QLatin1Char(' ') + description);
-    if (failing(QStringLiteral("describe")))
-        return failure_text;
-    return KOR_XML_QUERY_INTERFACE::set_field_description(table_name, field_name, field_uuid, description);
+    const QString failure = logged(QStringLiteral("describe ") + field_name + QLatin1Char(' ') + description);
+    return failure.isEmpty() ? KOR_XML_QUERY_INTERFACE::set_field_description(table_name, field_name,
+                                                                              field_uuid, description)
+                             : failure;
 }
 
 bool RECORDING_QUERY_INTERFACE::get_field_lookup_value(QString& error, QString& out,

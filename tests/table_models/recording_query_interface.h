@@ -36,5 +36,7 @@ public:
                                 const QVariant& value) override;
 
 private:
-    bool failing(const QString& word);
+    // Logs the line; the injected failure when its first word is the one
+    // to fail, else empty.
+    QString logged(const QString& line);
 };

@@ -22,51 +22,34 @@ TEST_FIELD key_part(const QString& name)
 
 QString build_sample(const QString& path)
 {
+    using F = TEST_FIELD;
     TEST_DATABASE_BUILDER db(path);
-    db.table(QStringLiteral("factions"), {TEST_FIELD::key(QStringLiteral("key")),
-                                          TEST_FIELD::plain(QStringLiteral("name"), KFT_TEXT).required(),
-                                          TEST_FIELD::plain(QStringLiteral("rank"), KFT_INTEGER),
-                                          TEST_FIELD::plain(QStringLiteral("loyalty"), KFT_UNSIGNED_INTEGER)})
-        .table(QStringLiteral("units"),
-               {TEST_FIELD::key(QStringLiteral("unit")),
-                TEST_FIELD::plain(QStringLiteral("faction"), KFT_TEXT)
-                    .refers_to(QStringLiteral("factions"), QStringLiteral("key"), {QStringLiteral("name")}),
-                TEST_FIELD::plain(QStringLiteral("cost"), KFT_INTEGER),
-                TEST_FIELD::plain(QStringLiteral("speed"), KFT_SINGLE),
-                TEST_FIELD::plain(QStringLiteral("weight"), KFT_DOUBLE),
-                TEST_FIELD::plain(QStringLiteral("active"), KFT_YESNO).with_default(true),
-                TEST_FIELD::plain(QStringLiteral("serial"), KFT_AUTONUMBER),
-                TEST_FIELD::plain(QStringLiteral("uid"), KFT_UNIQUE_ID),
-                TEST_FIELD::plain(QStringLiteral("tag"), KFT_CARD64),
-                TEST_FIELD::plain(QStringLiteral("made"), KFT_DATE_TIME),
-                TEST_FIELD::plain(QStringLiteral("notes"), KFT_TEXT)})
-        .table(QStringLiteral("regiments"), {TEST_FIELD::key(QStringLiteral("regiment"), KFT_INTEGER),
-                                             TEST_FIELD::plain(QStringLiteral("unit"), KFT_TEXT)
-                                                 .refers_to(QStringLiteral("units"), QStringLiteral("unit"))})
-        .table(QStringLiteral("armies"), {TEST_FIELD::key(QStringLiteral("army")),
-                                          TEST_FIELD::plain(QStringLiteral("unit_faction"), KFT_TEXT)
-                                              .refers_to(QStringLiteral("units"), QStringLiteral("faction"))})
-        .table(QStringLiteral("pairs"), {key_part(QStringLiteral("left")), key_part(QStringLiteral("right")),
-                                         TEST_FIELD::plain(QStringLiteral("note"), KFT_TEXT)})
-        .record(QStringLiteral("factions"), {{"key", "rome"}, {"name", "Rome"}, {"rank", 1}})
-        .record(QStringLiteral("factions"), {{"key", "carthage"}, {"name", "Carthage"}, {"rank", 2}})
-        .record(QStringLiteral("factions"), {{"key", "sparta"}, {"name", "Sparta"}, {"rank", 3}})
-        .record(
-            QStringLiteral("units"),
-            {{"unit", "hastati"}, {"faction", "rome"}, {"cost", 10}, {"serial", 1}, {"uid", qulonglong(101)}})
-        .record(
-            QStringLiteral("units"),
-            {{"unit", "velites"}, {"faction", "rome"}, {"cost", 20}, {"serial", 2}, {"uid", qulonglong(102)}})
-        .record(QStringLiteral("units"), {{"unit", "archers"},
-                                          {"faction", "carthage"},
-                                          {"cost", 30},
-                                          {"serial", 3},
-                                          {"uid", qulonglong(103)}})
-        .record(QStringLiteral("regiments"), {{"regiment", 1}, {"unit", "hastati"}})
-        .record(QStringLiteral("armies"), {{"army", "first"}, {"unit_faction", "rome"}})
-        .record(QStringLiteral("pairs"), {{"left", "a"}, {"right", "b"}})
-        .record(QStringLiteral("pairs"), {{"left", "a"}, {"right", "c"}})
-        .record(QStringLiteral("pairs"), {{"left", ""}, {"right", "q"}});
+    db.table("factions", {F::key("key"), F::plain("name", KFT_TEXT).required(), F::plain("rank", KFT_INTEGER),
+                          F::plain("loyalty", KFT_UNSIGNED_INTEGER)})
+        .table("units",
+               {F::key("unit"), F::plain("faction", KFT_TEXT).refers_to("factions", "key", {"name"}),
+                F::plain("cost", KFT_INTEGER), F::plain("speed", KFT_SINGLE), F::plain("weight", KFT_DOUBLE),
+                F::plain("active", KFT_YESNO).with_default(true), F::plain("serial", KFT_AUTONUMBER),
+                F::plain("uid", KFT_UNIQUE_ID), F::plain("tag", KFT_CARD64), F::plain("made", KFT_DATE_TIME),
+                F::plain("notes", KFT_TEXT)})
+        .table("regiments",
+               {F::key("regiment", KFT_INTEGER), F::plain("unit", KFT_TEXT).refers_to("units", "unit")})
+        .table("armies", {F::key("army"), F::plain("unit_faction", KFT_TEXT).refers_to("units", "faction")})
+        .table("pairs", {key_part("left"), key_part("right"), F::plain("note", KFT_TEXT)})
+        .record("factions", {{"key", "rome"}, {"name", "Rome"}, {"rank", 1}})
+        .record("factions", {{"key", "carthage"}, {"name", "Carthage"}, {"rank", 2}})
+        .record("factions", {{"key", "sparta"}, {"name", "Sparta"}, {"rank", 3}})
+        .record("units",
+                {{"unit", "hastati"}, {"faction", "rome"}, {"cost", 10}, {"serial", 1}, {"uid", 101ull}})
+        .record("units",
+                {{"unit", "velites"}, {"faction", "rome"}, {"cost", 20}, {"serial", 2}, {"uid", 102ull}})
+        .record("units",
+                {{"unit", "archers"}, {"faction", "carthage"}, {"cost", 30}, {"serial", 3}, {"uid", 103ull}})
+        .record("regiments", {{"regiment", 1}, {"unit", "hastati"}})
+        .record("armies", {{"army", "first"}, {"unit_faction", "rome"}})
+        .record("pairs", {{"left", "a"}, {"right", "b"}})
+        .record("pairs", {{"left", "a"}, {"right", "c"}})
+        .record("pairs", {{"left", ""}, {"right", "q"}});
     return db.error();
 }
 

@@ -54,6 +54,13 @@ QString value(VELD_TABLE_DATA_EDITOR& editor, const QString& key, const QString&
     return cell(editor, key, field).data(Qt::EditRole).toString();
 }
 
+// The men of elephants, hastati and triarii.
+QStringList men(VELD_TABLE_DATA_EDITOR& editor)
+{
+    return {value(editor, "elephants", "men"), value(editor, "hastati", "men"),
+            value(editor, "triarii", "men")};
+}
+
 // Selects the cells; the first becomes the current cell.
 void select(VELD_TABLE_DATA_EDITOR& editor, const QList<QModelIndex>& cells)
 {
@@ -228,9 +235,7 @@ private slots:
         prompts.button(QMessageBox::StandardButton(answer));
         press(editor, Qt::Key_V, Qt::ControlModifier);
         QVERIFY(prompts.asked()[0].text.startsWith("You are pasting a single value into multiple cells"));
-        QCOMPARE((QStringList{value(editor, "elephants", "men"), value(editor, "hastati", "men"),
-                              value(editor, "triarii", "men")}),
-                 men);
+        QCOMPARE(::men(editor), men);
     }
 
     void a_paste_over_referenced_keys_asks_once_data()
@@ -304,9 +309,7 @@ private slots:
         select(editor, {cell(editor, "hastati", "men"), cell(editor, "elephants", "men"),
                         cell(editor, "triarii", "men")});
         editor.handle_multi_cell_editing("55");
-        QCOMPARE(value(editor, "elephants", "men"), QString("55"));
-        QCOMPARE(value(editor, "triarii", "men"), QString("55"));
-        QCOMPARE(value(editor, "hastati", "men"), QString("60")); // its own editor commits it
+        QCOMPARE(men(editor), (QStringList{"55", "60", "55"})); // hastati's own editor commits it
     }
 
     void arithmetic_on_selected_numbers_data()
@@ -331,9 +334,7 @@ private slots:
                         cell(editor, "triarii", "men"), cell(editor, "triarii", "notes")});
         editor.arithmetic_widget()->findChild<QLineEdit*>()->setText(operand);
         editor.onArithmeticCellEditMenuRequest(operation);
-        QCOMPARE((QStringList{value(editor, "elephants", "men"), value(editor, "hastati", "men"),
-                              value(editor, "triarii", "men")}),
-                 men);
+        QCOMPARE(::men(editor), men);
         QCOMPARE(value(editor, "triarii", "notes"), QString("spear wall"));
     }
 
@@ -468,7 +469,6 @@ private slots:
         press(editor, Qt::Key_F, Qt::ControlModifier);
         FIND_AND_REPLACE_DIALOG* dialog = editor.find_dialog();
         QVERIFY(dialog);
-        QCOMPARE(dialog->objectName(), QString("FindReplaceDialog"));
         QCOMPARE(dialog->windowTitle(), QString("Find"));
         QVERIFY(dialog->findChild<QPushButton*>("replaceAllButton")->isHidden());
         QTest::keyClick(dialog, Qt::Key_H, Qt::ControlModifier);

@@ -27,7 +27,6 @@ bool TABLES_TEST_ENGINE::end_transaction(QString& error)
         terminate_transaction();
         return false;
     }
-    ++commits;
     return KOR_XML_QUERY_INTERFACE::end_transaction(error);
 }
 

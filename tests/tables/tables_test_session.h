@@ -16,7 +16,6 @@ public:
     bool end_transaction(QString& error) override;
 
     bool fail_commits = false;
-    int commits = 0;
 };
 
 // A small database built through the engine in a fresh folder, and a session
@@ -39,9 +38,7 @@ public:
 
     VELD_DATA* session() const { return m_session.get(); }
     TABLES_TEST_ENGINE* engine() const;
-    const QString& path() const { return m_path; }
     const QString& error() const { return m_error; }
-    TEST_FOLDER& folder() { return m_folder; }
 
     // The text of a table's XML file on disk.
     QString table_file_text(const QString& table) const;

@@ -49,17 +49,28 @@ private:
         return shown;
     }
 
+    // The view on the model, shown at the size given (none: as it comes).
+    VELD_FROZEN_COLUMNS_TABLE& shown(int width = 0, int height = 0)
+    {
+        m_view = std::make_unique<VELD_FROZEN_COLUMNS_TABLE>(&m_model);
+        if (width > 0)
+            m_view->resize(width, height);
+        m_view->show();
+        if (!QTest::qWaitForWindowExposed(m_view.get()))
+            QTest::qFail("the view was not shown", __FILE__, __LINE__);
+        return *m_view;
+    }
+
     QStandardItemModel m_model;
+    std::unique_ptr<VELD_FROZEN_COLUMNS_TABLE> m_view;
 
 private slots:
     void init() { fill(m_model, 30, 8); }
+    void cleanup() { m_view.reset(); }
 
     void overlay_is_hidden_while_nothing_is_frozen()
     {
-        VELD_FROZEN_COLUMNS_TABLE view(&m_model);
-        view.resize(400, 300);
-        view.show();
-        QVERIFY(QTest::qWaitForWindowExposed(&view));
+        VELD_FROZEN_COLUMNS_TABLE& view = shown(400, 300);
         QVERIFY(!view.frozen_view()->isVisible());
         QVERIFY(frozen_visible_columns(view).isEmpty());
         QCOMPARE(view.frozen_width(), 0);
@@ -73,10 +84,7 @@ private slots:
 
     void freezing_moves_columns_beside_the_frozen_ones()
     {
-        VELD_FROZEN_COLUMNS_TABLE view(&m_model);
-        view.resize(400, 300);
-        view.show();
-        QVERIFY(QTest::qWaitForWindowExposed(&view));
+        VELD_FROZEN_COLUMNS_TABLE& view = shown(400, 300);
 
         choose_from_header_menu(view, false, 2, "Freeze Column");
         view.horizontalScrollBar()->setValue(view.horizontalScrollBar()->maximum());
@@ -94,10 +102,7 @@ private slots:
 
     void unfreezing_returns_the_column_near_its_place()
     {
-        VELD_FROZEN_COLUMNS_TABLE view(&m_model);
-        view.resize(400, 300);
-        view.show();
-        QVERIFY(QTest::qWaitForWindowExposed(&view));
+        VELD_FROZEN_COLUMNS_TABLE& view = shown(400, 300);
         choose_from_header_menu(view, false, 2, "Freeze Column");
         choose_from_header_menu(view, false, 5, "Freeze Column");
         choose_from_header_menu(view, true, 2, "Unfreeze Column");
@@ -135,10 +140,7 @@ private slots:
 
     void both_views_scroll_together_and_share_the_selection()
     {
-        VELD_FROZEN_COLUMNS_TABLE view(&m_model);
-        view.resize(400, 200);
-        view.show();
-        QVERIFY(QTest::qWaitForWindowExposed(&view));
+        VELD_FROZEN_COLUMNS_TABLE& view = shown(400, 200);
         choose_from_header_menu(view, false, 1, "Freeze Column");
 
         view.verticalScrollBar()->setValue(70);
@@ -165,10 +167,7 @@ private slots:
     void scrolling_to_a_row_just_added_reaches_it()
     {
         QFETCH(bool, frozen);
-        VELD_FROZEN_COLUMNS_TABLE view(&m_model);
-        view.resize(400, 200);
-        view.show();
-        QVERIFY(QTest::qWaitForWindowExposed(&view));
+        VELD_FROZEN_COLUMNS_TABLE& view = shown(400, 200);
         if (frozen)
             choose_from_header_menu(view, false, 1, "Freeze Column");
         view.scrollToBottom();
@@ -207,10 +206,7 @@ private slots:
     {
         QFETCH(bool, frozen_header);
         QFETCH(int, column);
-        VELD_FROZEN_COLUMNS_TABLE view(&m_model);
-        view.resize(350, 300);
-        view.show();
-        QVERIFY(QTest::qWaitForWindowExposed(&view));
+        VELD_FROZEN_COLUMNS_TABLE& view = shown(350, 300);
         choose_from_header_menu(view, false, 6, "Freeze Column");
         view.horizontalScrollBar()->setValue(view.horizontalScrollBar()->maximum());
 
@@ -222,10 +218,7 @@ private slots:
 
     void the_overlay_follows_a_widening_row_header()
     {
-        VELD_FROZEN_COLUMNS_TABLE view(&m_model);
-        view.resize(500, 300);
-        view.show();
-        QVERIFY(QTest::qWaitForWindowExposed(&view));
+        VELD_FROZEN_COLUMNS_TABLE& view = shown(500, 300);
         choose_from_header_menu(view, false, 2, "Freeze Column");
         const int narrow = view.verticalHeader()->width();
         m_model.setVerticalHeaderItem(29, new QStandardItem("29 new and much longer"));
@@ -235,9 +228,7 @@ private slots:
 
     void a_model_reset_keeps_the_overlay_to_the_frozen_columns()
     {
-        VELD_FROZEN_COLUMNS_TABLE view(&m_model);
-        view.show();
-        QVERIFY(QTest::qWaitForWindowExposed(&view));
+        VELD_FROZEN_COLUMNS_TABLE& view = shown();
         choose_from_header_menu(view, false, 4, "Freeze Column");
         fill(m_model, 10, 8); // clear() resets the model
         QTRY_COMPARE(frozen_visible_columns(view), (QList<int>{4}));
