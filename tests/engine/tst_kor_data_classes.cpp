@@ -15,12 +15,13 @@ namespace
 {
 std::unique_ptr<KOR_TABLE_SCHEMA> make_units_schema()
 {
-    return TEST_DATABASE_BUILDER::make_schema("units", {TEST_FIELD::key("faction"), TEST_FIELD::key("Unit_Name"),
-                                                        TEST_FIELD::plain("strength", KFT_INTEGER),
-                                                        TEST_FIELD::plain("id", KFT_AUTONUMBER)});
+    return TEST_DATABASE_BUILDER::make_schema(
+        "units", {TEST_FIELD::key("faction"), TEST_FIELD::key("Unit_Name"),
+                  TEST_FIELD::plain("strength", KFT_INTEGER), TEST_FIELD::plain("id", KFT_AUTONUMBER)});
 }
 
-KOR_RECORD_DATA* make_unit(const KOR_TABLE_SCHEMA* schema, const QString& faction, const QString& name, int id)
+KOR_RECORD_DATA* make_unit(const KOR_TABLE_SCHEMA* schema, const QString& faction, const QString& name,
+                           int id)
 {
     return TEST_DATABASE_BUILDER::make_record(
                schema, {{"faction", faction}, {"unit_name", name}, {"strength", 10}, {"id", id}})

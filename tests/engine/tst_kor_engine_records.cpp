@@ -90,7 +90,8 @@ void TST_KOR_ENGINE_RECORDS::values_survive_a_reload_data()
         << int(KFT_TEXT) << QVariant("  <a & \"b\"> \r\n\t") << "  <a & \"b\"> \r\n\t";
     QTest::newRow("text beyond the basic plane") << int(KFT_TEXT) << QVariant("Ελλάς 🏛") << "Ελλάς 🏛";
     QTest::newRow("text with control characters")
-        << int(KFT_TEXT) << QVariant(QString(QChar(1)) + QChar(0x1f)) << QString(QString(QChar(1)) + QChar(0x1f));
+        << int(KFT_TEXT) << QVariant(QString(QChar(1)) + QChar(0x1f))
+        << QString(QString(QChar(1)) + QChar(0x1f));
     QTest::newRow("empty text") << int(KFT_TEXT) << QVariant(QString()) << "";
     QTest::newRow("date-time") << int(KFT_DATE_TIME)
                                << QVariant(QDateTime(QDate(2024, 5, 1), QTime(10, 20, 30, 400), Qt::UTC))
@@ -250,7 +251,8 @@ void TST_KOR_ENGINE_RECORDS::edit_finds_by_uuid_rekeys_and_cascades()
     KOR_RECORD_DATA* rome = find(engine(), "factions", "rome");
     // The old record as the application kept it: its key is stale by now.
     auto stale = changed(rome, {{"key", "somewhere"}});
-    QVERIFY(engine().edit_record_data("factions", stale.get(), changed(rome, {{"key", "roma"}}).get()).isEmpty());
+    QVERIFY(
+        engine().edit_record_data("factions", stale.get(), changed(rome, {{"key", "roma"}}).get()).isEmpty());
     QCOMPARE(find(engine(), "factions", "roma"), rome);
     QCOMPARE(value_of(engine(), "units", "hastati", "faction"), "roma");
     QCOMPARE(value_of(engine(), "units", "triarii", "faction"), "roma");
@@ -397,12 +399,13 @@ void TST_KOR_ENGINE_RECORDS::permissions_come_from_the_permissions_file()
 {
     QVERIFY(!engine().table_restricted("units"));
     QVERIFY(engine().can_add_table_records("units"));
-    QVERIFY(ORBIN_TEST::write_file(database_path() + QStringLiteral("/Veld_permissions.xml"),
-                                   "<permissions>\n"
-                                   "  <table name=\"units\" restricted=\"true\" add=\"false\" remove=\"false\">\n"
-                                   "    <user name=\"somebody_else\" add=\"true\"/>\n"
-                                   "  </table>\n"
-                                   "</permissions>\n"));
+    QVERIFY(ORBIN_TEST::write_file(
+        database_path() + QStringLiteral("/Veld_permissions.xml"),
+        "<permissions>\n"
+        "  <table name=\"units\" restricted=\"true\" add=\"false\" remove=\"false\">\n"
+        "    <user name=\"somebody_else\" add=\"true\"/>\n"
+        "  </table>\n"
+        "</permissions>\n"));
     m_db->reconnect();
     QVERIFY(engine().table_restricted("units"));
     QVERIFY(!engine().can_add_table_records("units"));

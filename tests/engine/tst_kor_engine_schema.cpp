@@ -168,8 +168,9 @@ void TST_KOR_ENGINE_SCHEMA::new_required_fields_are_filled()
         description.refers_to("factions", "key");
     std::unique_ptr<KOR_FIELD_SCHEMA> field(description.make());
     QString error;
-    QVERIFY2(engine().change_schema(error, schema("units"), QString(), {field.get()}, {}, {}, "tester", "more"),
-             qPrintable(error));
+    QVERIFY2(
+        engine().change_schema(error, schema("units"), QString(), {field.get()}, {}, {}, "tester", "more"),
+        qPrintable(error));
     m_db->reconnect();
     QCOMPARE(value_of(engine(), "units", "elephants", "added"), values.at(0));
     QCOMPARE(value_of(engine(), "units", "hastati", "added"), values.at(1));
@@ -247,17 +248,18 @@ void TST_KOR_ENGINE_SCHEMA::type_changes_convert_values_or_change_nothing()
     KOR_TABLE_SCHEMA* units = schema("units");
     QString error;
     CHANGES to_integer;
-    to_integer.insert(METAFIELD_AND_SCHEMA(KMF_FIELD_TYPE, units->field_schema_by_name("men")), int(KFT_INTEGER));
+    KOR_FIELD_SCHEMA* men_field = units->field_schema_by_name("men");
+    to_integer.insert(METAFIELD_AND_SCHEMA(KMF_FIELD_TYPE, men_field), int(KFT_INTEGER));
     QVERIFY2(engine().change_schema(error, units, QString(), {}, {}, to_integer, "", ""), qPrintable(error));
     const KOR_FIELD_DATA* men = find(engine(), "units", "hastati")->get_field_data("men");
     QCOMPARE(int(men->m_value.type()), int(QMetaType::Int));
 
     const QMap<QString, QByteArray> before = folder_bytes(database_path());
     CHANGES to_yesno;
-    to_yesno.insert(METAFIELD_AND_SCHEMA(KMF_FIELD_TYPE, units->field_schema_by_name("men")), int(KFT_YESNO));
+    to_yesno.insert(METAFIELD_AND_SCHEMA(KMF_FIELD_TYPE, men_field), int(KFT_YESNO));
     QVERIFY(!engine().change_schema(error, units, QString(), {}, {}, to_yesno, "", ""));
     QVERIFY(error.contains("60") || error.contains("12"));
-    QCOMPARE(int(units->field_schema_by_name("men")->field_type()), int(KFT_INTEGER));
+    QCOMPARE(int(men_field->field_type()), int(KFT_INTEGER));
     QCOMPARE(men->m_value.toInt(), 60);
     QCOMPARE(folder_bytes(database_path()), before);
 }
@@ -349,8 +351,9 @@ void TST_KOR_ENGINE_SCHEMA::update_commands_rebuild_the_schemas_elsewhere()
     // Every kind of command once.
     std::unique_ptr<KOR_FIELD_SCHEMA> cost(TEST_FIELD::plain("cost", KFT_INTEGER).with_default(5).make());
     CHANGES changes;
-    changes.insert(METAFIELD_AND_SCHEMA(KMF_FIELD_TYPE, units->field_schema_by_name("men")), int(KFT_INTEGER));
-    changes.insert(METAFIELD_AND_SCHEMA(KMF_FIELD_NAME, units->field_schema_by_name("men")), "soldiers");
+    KOR_FIELD_SCHEMA* men = units->field_schema_by_name("men");
+    changes.insert(METAFIELD_AND_SCHEMA(KMF_FIELD_TYPE, men), int(KFT_INTEGER));
+    changes.insert(METAFIELD_AND_SCHEMA(KMF_FIELD_NAME, men), "soldiers");
     QVERIFY2(
         engine().change_schema(error, units, "unit->factions.key", {cost.get()}, {}, changes, "ann", "costs"),
         qPrintable(error));
