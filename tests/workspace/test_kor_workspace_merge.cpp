@@ -226,24 +226,6 @@ private slots:
         query.disconnect();
     }
 
-    void a_copy_at_an_older_change_opens_for_the_diff()
-    {
-        QVERIFY(set_value(a_db, "archer", "hp", 99));
-        QVERIFY(submit(a_db, "Change 2"));
-        KOR_XML_QUERY_INTERFACE maker(nullptr, QString(), false, false);
-        const QString copy = maker.create_db_copy_for_diff(a_db, "1");
-        QVERIFY(!copy.isEmpty());
-        KOR_XML_QUERY_INTERFACE diff(nullptr, QString(), false, false);
-        const QString error = diff.connect_for_diff(copy);
-        QVERIFY2(error.isEmpty(), qPrintable(error));
-        QCOMPARE(diff.original_connect_string(), a_db);
-        QString read_error;
-        const KOR_TABLE_DATA* table = diff.get_table_data(read_error, units);
-        QVERIFY(table);
-        QCOMPARE(table->record_by_key("archer")->get_field_data("hp")->value_text(), "10");
-        diff.disconnect();
-    }
-
     void without_a_depot_a_merge_only_says_so()
     {
         const QString plain = sandbox->path("plain/db");
