@@ -143,24 +143,18 @@ void TST_KOR_ENGINE_BAD_INPUT::damaged_schemas_stop_the_connection_data()
     QTest::addColumn<QByteArray>("content");
     QTest::addColumn<QString>("why");
 
-    QTest::newRow("unknown type")
-        << HEADER + "<table_schema name=\"units\">\n  <field name=\"unit\" type=\"memo\"/>\n"
-                    "</table_schema>\n"
-        << "line 3, column 4: field 'unit' has the unknown type 'memo'";
-    QTest::newRow("no type")
-        << HEADER + "<table_schema name=\"units\">\n  <field name=\"unit\"/>\n</table_schema>\n"
-        << "has no type";
-    QTest::newRow("unsafe field name") << HEADER + "<table_schema name=\"units\">\n  <field name=\"../x\" "
-                                                   "type=\"text\"/>\n</table_schema>\n"
+    const QByteArray head = HEADER + "<table_schema name=\"units\">\n";
+    const QByteArray tail = "</table_schema>\n";
+    QTest::newRow("unknown type") << head + "  <field name=\"unit\" type=\"memo\"/>\n" + tail
+                                  << "line 3, column 4: field 'unit' has the unknown type 'memo'";
+    QTest::newRow("no type") << head + "  <field name=\"unit\"/>\n" + tail << "has no type";
+    QTest::newRow("unsafe field name") << head + "  <field name=\"../x\" type=\"text\"/>\n" + tail
                                        << "not a valid field name";
     QTest::newRow("name differs from file") << HEADER + "<table_schema name=\"troops\"/>\n"
                                             << "describes table 'troops'";
-    QTest::newRow("truncated") << HEADER + "<table_schema name=\"units\">\n  <field name="
-                               << "malformed XML";
-    QTest::newRow("unknown attribute")
-        << HEADER + "<table_schema name=\"units\">\n  <field name=\"unit\" type=\"text\" "
-                    "colour=\"red\"/>\n</table_schema>\n"
-        << "unknown attribute 'colour'";
+    QTest::newRow("truncated") << head + "  <field name=" << "malformed XML";
+    QTest::newRow("unknown attribute") << head + "  <field name=\"unit\" type=\"text\" colour=\"red\"/>\n" + tail
+                                       << "unknown attribute 'colour'";
 }
 
 void TST_KOR_ENGINE_BAD_INPUT::damaged_schemas_stop_the_connection()
