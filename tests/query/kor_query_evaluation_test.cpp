@@ -434,33 +434,24 @@ void TEST_KOR_QUERY_EVALUATION::hash_join_matches_every_pair()
     // card64 references): the join must give exactly the pairs a plain
     // nested loop gives, in the order it gives them.
     QTemporaryDir folder;
-    TEST_DATABASE_BUILDER big(folder.filePath(QStringLiteral("db")));
-    big.table(QStringLiteral("ranks"),
-              {TEST_FIELD::key(QStringLiteral("id"), KFT_INTEGER), TEST_FIELD::plain(QStringLiteral("title"), KFT_TEXT)})
-        .table(QStringLiteral("soldiers"),
-               {TEST_FIELD::key(QStringLiteral("id"), KFT_INTEGER), TEST_FIELD::plain(QStringLiteral("rank"), KFT_DOUBLE),
-                TEST_FIELD::plain(QStringLiteral("badge"), KFT_CARD64)});
+    TEST_DATABASE_BUILDER big(folder.filePath("db"));
+    big.table("ranks", {TEST_FIELD::key("id", KFT_INTEGER), TEST_FIELD::plain("title", KFT_TEXT)})
+        .table("soldiers", {TEST_FIELD::key("id", KFT_INTEGER), TEST_FIELD::plain("rank", KFT_DOUBLE),
+                            TEST_FIELD::plain("badge", KFT_CARD64)});
     QVERIFY2(big.ok(), qPrintable(big.error()));
     KOR_XML_QUERY_INTERFACE& database = big.query_interface();
+    const auto add = &TEST_DATABASE_BUILDER::add_record;
     QString error;
     QVERIFY2(database.begin_transaction(error, true), qPrintable(error));
     for (int id = 0; id < 40; ++id)
-    {
-        auto rank = TEST_DATABASE_BUILDER::make_record(database.get_table_schema("ranks"),
-                                                       {{"id", id}, {"title", QStringLiteral("rank %1").arg(id)}});
-        QCOMPARE(database.add_record(QStringLiteral("ranks"), rank.get()), QString());
-    }
+        QCOMPARE(add(database, "ranks", {{"id", id}, {"title", QStringLiteral("rank %1").arg(id)}}), QString());
     for (int id = 0; id < 600; ++id)
-    {
-        auto soldier = TEST_DATABASE_BUILDER::make_record(
-            database.get_table_schema("soldiers"),
-            {{"id", id}, {"rank", double(id % 50)}, {"badge", quint64(id % 45)}});
-        QCOMPARE(database.add_record(QStringLiteral("soldiers"), soldier.get()), QString());
-    }
+        QCOMPARE(add(database, "soldiers", {{"id", id}, {"rank", double(id % 50)}, {"badge", quint64(id % 45)}}),
+                 QString());
     QVERIFY2(database.end_transaction(error), qPrintable(error));
 
-    const KOR_TABLE_DATA* ranks = database.get_table_data(error, QStringLiteral("ranks"));
-    const KOR_TABLE_DATA* soldiers = database.get_table_data(error, QStringLiteral("soldiers"));
+    const KOR_TABLE_DATA* ranks = database.get_table_data(error, "ranks");
+    const KOR_TABLE_DATA* soldiers = database.get_table_data(error, "soldiers");
     QVERIFY(ranks && soldiers);
     auto pairs = [](const KOR_RECORD_DATA* soldier, const KOR_RECORD_DATA* rank) {
         const int id = rank->get_field_data("id")->value().toInt();
