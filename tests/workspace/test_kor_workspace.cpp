@@ -91,13 +91,8 @@ private slots:
                 TEST_DATABASE_BUILDER::make_schema(QStringLiteral("heroes"), {TEST_FIELD::key("key")});
             QVERIFY(engine.add_table(*heroes, QString(), QString()).isEmpty());
             QVERIFY(engine.remove_table("spells", "tester", "not needed").isEmpty());
-            QString error;
-            QVERIFY(engine.begin_transaction(error, true));
-            const KOR_RECORD_DATA* archer = engine.get_table_data(error, "units")->record_by_key("archer");
-            KOR_RECORD_DATA copy(*archer, nullptr);
-            copy.get_field_data("hp")->set_value(11);
-            QVERIFY(engine.edit_record_data("units", archer, &copy).isEmpty());
-            QVERIFY2(engine.end_transaction(error), qPrintable(error));
+            KOR_RECORD_DATA* archer = TEST_DATABASE_BUILDER::find_record(engine, "units", "archer");
+            QVERIFY(TEST_DATABASE_BUILDER::edit_record(engine, "units", archer, {{"hp", 11}}).isEmpty());
             engine.disconnect();
         }
         GIT_SANDBOX::write(in(a_db, "Veld_queries.xml"), "<queries/>\n");

@@ -40,23 +40,16 @@ bool change_database(const QString& db, const std::function<QString(KOR_XML_QUER
 bool set_value(const QString& db, const QString& key, const QString& field, const QVariant& value)
 {
     return change_database(db, [&](KOR_XML_QUERY_INTERFACE& query) {
-        QString error;
-        const KOR_TABLE_DATA* table = query.get_table_data(error, units);
-        const KOR_RECORD_DATA* record = table ? table->record_by_key(key) : nullptr;
-        if (!record)
-            return QStringLiteral("no record %1").arg(key);
-        KOR_RECORD_DATA copy(*record, nullptr);
-        copy.get_field_data(field)->set_value(value);
-        return query.edit_record_data(units, record, &copy);
+        KOR_RECORD_DATA* record = TEST_DATABASE_BUILDER::find_record(query, units, key);
+        return record ? TEST_DATABASE_BUILDER::edit_record(query, units, record, {{field, value}})
+                      : QStringLiteral("no record %1").arg(key);
     });
 }
 
 bool add_unit(const QString& db, const QString& key, int hp)
 {
     return change_database(db, [&](KOR_XML_QUERY_INTERFACE& query) {
-        const auto record =
-            TEST_DATABASE_BUILDER::make_record(query.get_table_schema(units), {{"key", key}, {"hp", hp}});
-        return query.add_record(units, record.get());
+        return TEST_DATABASE_BUILDER::add_record(query, units, {{"key", key}, {"hp", hp}});
     });
 }
 
