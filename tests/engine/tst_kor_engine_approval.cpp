@@ -28,8 +28,7 @@ private:
     KOR_XML_QUERY_INTERFACE& engine() { return m_db->query_interface(); }
     KOR_RECORD_DATA* record(const QString& key)
     {
-        QString error;
-        return engine().get_table_data(error, "texts")->record_by_key(key);
+        return TEST_DATABASE_BUILDER::find_record(engine(), "texts", key);
     }
     KOR_FIELD_DATA* text(const QString& key) { return record(key)->get_field_data("text"); }
     QString approve(const QString& key)
@@ -67,10 +66,9 @@ void TST_KOR_ENGINE_APPROVAL::approving_keeps_the_text_and_flags()
 void TST_KOR_ENGINE_APPROVAL::a_changed_text_awaits_approval_again()
 {
     QVERIFY(approve("a").isEmpty());
-    KOR_RECORD_DATA copy(*record("a"), nullptr, false);
-    copy.get_field_data("text")->m_value = "Ave Caesar";
-    copy.get_field_data("text")->set_requires_translation(true);
-    QVERIFY(engine().edit_record_data("texts", record("a"), &copy).isEmpty());
+    auto copy = TEST_DATABASE_BUILDER::changed(record("a"), {{"text", "Ave Caesar"}});
+    copy->get_field_data("text")->set_requires_translation(true);
+    QVERIFY(engine().edit_record_data("texts", record("a"), copy.get()).isEmpty());
     const KOR_FIELD_DATA* field = text("a");
     QCOMPARE(field->approval_state(), int(KOR_FIELD_DATA::TAS_AWAITING_APPROVAL));
     QCOMPARE(field->last_approved_text(), "Hail Caesar");
@@ -81,9 +79,8 @@ void TST_KOR_ENGINE_APPROVAL::a_changed_text_awaits_approval_again()
 void TST_KOR_ENGINE_APPROVAL::rejecting_goes_back_to_the_approved_text_or_marks_it()
 {
     QVERIFY(approve("a").isEmpty());
-    KOR_RECORD_DATA copy(*record("a"), nullptr, false);
-    copy.get_field_data("text")->m_value = "Ave Caesar";
-    QVERIFY(engine().edit_record_data("texts", record("a"), &copy).isEmpty());
+    QVERIFY(
+        TEST_DATABASE_BUILDER::edit_record(engine(), "texts", record("a"), {{"text", "Ave Caesar"}}).isEmpty());
     QString error;
     QVERIFY(engine().begin_transaction(error, false));
     QVERIFY(engine().reject_text("texts", "text", "a", record("a")->uuid()).isEmpty());

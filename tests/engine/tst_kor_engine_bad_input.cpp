@@ -22,6 +22,12 @@ QByteArray record(const QByteArray& uuid, const QByteArray& fields)
 {
     return "  <record uuid=\"" + uuid + "\">\n" + fields + "  </record>\n";
 }
+
+// A units table file around `body`.
+QByteArray units(const QByteArray& body)
+{
+    return HEADER + "<table name=\"units\">\n" + body + "</table>\n";
+}
 } // namespace
 
 class TST_KOR_ENGINE_BAD_INPUT : public QObject
@@ -67,81 +73,41 @@ void TST_KOR_ENGINE_BAD_INPUT::damaged_table_files_are_reported_data()
     QTest::addColumn<QString>("why");
 
     const QByteArray good = record(UUID_A, "    <unit>a</unit>\n    <men>1</men>\n");
+    const QByteArray unit_a = "    <unit>a</unit>\n";
     QTest::newRow("truncated") << HEADER + "<table name=\"units\">\n" + good.left(40) << "line 3"
                                << "malformed XML";
-    QTest::newRow("empty file") << QByteArray() << "units.xml"
-                                << "malformed XML";
-    QTest::newRow("not xml") << QByteArray("\x00\x01\x02garbage", 10) << "units.xml"
-                             << "malformed XML";
-    QTest::newRow("wrong root") << HEADER + "<tables name=\"units\"/>\n"
-                                << "line 2"
-                                << "not a table";
+    QTest::newRow("empty file") << QByteArray() << "units.xml" << "malformed XML";
+    QTest::newRow("not xml") << QByteArray("\x00\x01\x02garbage", 10) << "units.xml" << "malformed XML";
+    QTest::newRow("wrong root") << HEADER + "<tables name=\"units\"/>\n" << "line 2" << "not a table";
     QTest::newRow("another table") << HEADER + "<table name=\"factions\"/>\n"
-                                   << "line 2"
-                                   << "holds table 'factions'";
-    QTest::newRow("unknown field") << HEADER + "<table name=\"units\">\n" +
-                                          record(UUID_A, "    <unit>a</unit>\n    <horses>3</horses>\n") +
-                                          "</table>\n"
-                                   << "line 5"
+                                   << "line 2" << "holds table 'factions'";
+    QTest::newRow("unknown field") << units(record(UUID_A, unit_a + "    <horses>3</horses>\n")) << "line 5"
                                    << "field 'horses' is not in the schema";
-    QTest::newRow("bad integer") << HEADER + "<table name=\"units\">\n" +
-                                        record(UUID_A, "    <unit>a</unit>\n    <men>many</men>\n") +
-                                        "</table>\n"
-                                 << "line 5"
+    QTest::newRow("bad integer") << units(record(UUID_A, unit_a + "    <men>many</men>\n")) << "line 5"
                                  << "'many' is not a valid integer";
-    QTest::newRow("integer overflow")
-        << HEADER + "<table name=\"units\">\n" +
-               record(UUID_A, "    <unit>a</unit>\n    <men>99999999999</men>\n") + "</table>\n"
-        << "line 5"
-        << "not a valid integer";
-    QTest::newRow("duplicate key") << HEADER + "<table name=\"units\">\n" +
-                                          record(UUID_A, "    <unit>a</unit>\n") +
-                                          record(UUID_B, "    <unit>a</unit>\n") + "</table>\n"
-                                   << "line 6"
+    QTest::newRow("integer overflow") << units(record(UUID_A, unit_a + "    <men>99999999999</men>\n"))
+                                      << "line 5" << "not a valid integer";
+    QTest::newRow("duplicate key") << units(record(UUID_A, unit_a) + record(UUID_B, unit_a)) << "line 6"
                                    << "key 'a' is used by two records";
-    QTest::newRow("duplicate uuid") << HEADER + "<table name=\"units\">\n" +
-                                           record(UUID_A, "    <unit>a</unit>\n") +
-                                           record(UUID_A, "    <unit>b</unit>\n") + "</table>\n"
-                                    << "line"
-                                    << "used by two records";
-    QTest::newRow("bad uuid") << HEADER + "<table name=\"units\">\n" +
-                                     record("not-a-uuid", "    <unit>a</unit>\n") + "</table>\n"
-                              << "line 3"
-                              << "not a valid uuid";
-    QTest::newRow("empty key") << HEADER + "<table name=\"units\">\n" + record(UUID_A, "    <men>1</men>\n") +
-                                      "</table>\n"
-                               << "line 3"
+    QTest::newRow("duplicate uuid") << units(record(UUID_A, unit_a) + record(UUID_A, "    <unit>b</unit>\n"))
+                                    << "line" << "used by two records";
+    QTest::newRow("bad uuid") << units(record("not-a-uuid", unit_a)) << "line 3" << "not a valid uuid";
+    QTest::newRow("empty key") << units(record(UUID_A, "    <men>1</men>\n")) << "line 3"
                                << "empty primary key";
-    QTest::newRow("field twice") << HEADER + "<table name=\"units\">\n" +
-                                        record(UUID_A, "    <unit>a</unit>\n    <unit>b</unit>\n") +
-                                        "</table>\n"
-                                 << "line 5"
+    QTest::newRow("field twice") << units(record(UUID_A, unit_a + "    <unit>b</unit>\n")) << "line 5"
                                  << "appears twice";
-    QTest::newRow("element in a field")
-        << HEADER + "<table name=\"units\">\n" + record(UUID_A, "    <unit><b>a</b></unit>\n") + "</table>\n"
-        << "line 4"
-        << "holds an element";
-    QTest::newRow("stray element") << HEADER + "<table name=\"units\">\n  <row/>\n</table>\n"
-                                   << "line 3"
-                                   << "unexpected element <row>";
-    QTest::newRow("stray text") << HEADER + "<table name=\"units\">\n  hello\n</table>\n"
-                                << "line 2"
-                                << "text outside a record";
+    QTest::newRow("element in a field") << units(record(UUID_A, "    <unit><b>a</b></unit>\n")) << "line 4"
+                                        << "holds an element";
+    QTest::newRow("stray element") << units("  <row/>\n") << "line 3" << "unexpected element <row>";
+    QTest::newRow("stray text") << units("  hello\n") << "line 2" << "text outside a record";
     QTest::newRow("unknown record attribute")
-        << HEADER + "<table name=\"units\">\n  <record uuid=\"" + UUID_A +
-               "\" colour=\"red\"><unit>a</unit></record>\n</table>\n"
-        << "line 3"
+        << units("  <record uuid=\"" + UUID_A + "\" colour=\"red\"><unit>a</unit></record>\n") << "line 3"
         << "unknown attribute 'colour'";
-    QTest::newRow("bad approval state")
-        << HEADER + "<table name=\"units\">\n" + record(UUID_A, "    <unit approval_state=\"7\">a</unit>\n") +
-               "</table>\n"
-        << "line 4"
-        << "approval_state";
+    QTest::newRow("bad approval state") << units(record(UUID_A, "    <unit approval_state=\"7\">a</unit>\n"))
+                                        << "line 4" << "approval_state";
     QTest::newRow("bad modification time")
-        << HEADER + "<table name=\"units\">\n  <record uuid=\"" + UUID_A +
-               "\" modified=\"yesterday\"><unit>a</unit></record>\n</table>\n"
-        << "line 3"
-        << "modification time";
+        << units("  <record uuid=\"" + UUID_A + "\" modified=\"yesterday\"><unit>a</unit></record>\n")
+        << "line 3" << "modification time";
 }
 
 void TST_KOR_ENGINE_BAD_INPUT::damaged_table_files_are_reported()
@@ -177,24 +143,18 @@ void TST_KOR_ENGINE_BAD_INPUT::damaged_schemas_stop_the_connection_data()
     QTest::addColumn<QByteArray>("content");
     QTest::addColumn<QString>("why");
 
-    QTest::newRow("unknown type")
-        << HEADER + "<table_schema name=\"units\">\n  <field name=\"unit\" type=\"memo\"/>\n"
-                    "</table_schema>\n"
-        << "line 3, column 4: field 'unit' has the unknown type 'memo'";
-    QTest::newRow("no type")
-        << HEADER + "<table_schema name=\"units\">\n  <field name=\"unit\"/>\n</table_schema>\n"
-        << "has no type";
-    QTest::newRow("unsafe field name") << HEADER + "<table_schema name=\"units\">\n  <field name=\"../x\" "
-                                                   "type=\"text\"/>\n</table_schema>\n"
+    const QByteArray head = HEADER + "<table_schema name=\"units\">\n";
+    const QByteArray tail = "</table_schema>\n";
+    QTest::newRow("unknown type") << head + "  <field name=\"unit\" type=\"memo\"/>\n" + tail
+                                  << "line 3, column 4: field 'unit' has the unknown type 'memo'";
+    QTest::newRow("no type") << head + "  <field name=\"unit\"/>\n" + tail << "has no type";
+    QTest::newRow("unsafe field name") << head + "  <field name=\"../x\" type=\"text\"/>\n" + tail
                                        << "not a valid field name";
     QTest::newRow("name differs from file") << HEADER + "<table_schema name=\"troops\"/>\n"
                                             << "describes table 'troops'";
-    QTest::newRow("truncated") << HEADER + "<table_schema name=\"units\">\n  <field name="
-                               << "malformed XML";
-    QTest::newRow("unknown attribute")
-        << HEADER + "<table_schema name=\"units\">\n  <field name=\"unit\" type=\"text\" "
-                    "colour=\"red\"/>\n</table_schema>\n"
-        << "unknown attribute 'colour'";
+    QTest::newRow("truncated") << head + "  <field name=" << "malformed XML";
+    QTest::newRow("unknown attribute") << head + "  <field name=\"unit\" type=\"text\" colour=\"red\"/>\n" + tail
+                                       << "unknown attribute 'colour'";
 }
 
 void TST_KOR_ENGINE_BAD_INPUT::damaged_schemas_stop_the_connection()
@@ -223,11 +183,9 @@ void TST_KOR_ENGINE_BAD_INPUT::a_folder_without_marker_is_no_database()
 
 void TST_KOR_ENGINE_BAD_INPUT::references_to_missing_records_are_warnings_with_lines()
 {
-    QVERIFY(ORBIN_TEST::write_file(path("units.xml"),
-                                   HEADER + "<table name=\"units\">\n" +
-                                       record(UUID_A, "    <unit>a</unit>\n    <faction>rome</faction>\n") +
-                                       record(UUID_B, "    <unit>b</unit>\n    <faction>gauls</faction>\n") +
-                                       "</table>\n"));
+    QVERIFY(ORBIN_TEST::write_file(
+        path("units.xml"), units(record(UUID_A, "    <unit>a</unit>\n    <faction>rome</faction>\n") +
+                                 record(UUID_B, "    <unit>b</unit>\n    <faction>gauls</faction>\n"))));
     QVERIFY(ORBIN_TEST::write_file(path("orphans.xml"), HEADER + "<table name=\"orphans\"/>\n"));
     m_db->reconnect();
     QVERIFY(m_progress.texts(PROGRESS_CALLBACK::SEVERITY_WARNING).contains("orphans.xml"));
@@ -245,8 +203,7 @@ void TST_KOR_ENGINE_BAD_INPUT::references_to_missing_records_are_warnings_with_l
 
 void TST_KOR_ENGINE_BAD_INPUT::records_without_uuids_get_them()
 {
-    QVERIFY(ORBIN_TEST::write_file(
-        path("units.xml"), HEADER + "<table name=\"units\">\n  <record><unit>a</unit></record>\n</table>\n"));
+    QVERIFY(ORBIN_TEST::write_file(path("units.xml"), units("  <record><unit>a</unit></record>\n")));
     m_db->reconnect();
     QString error;
     const KOR_TABLE_DATA* units = m_db->query_interface().get_table_data(error, "units");

@@ -18,23 +18,10 @@ const auto add = &TEST_DATABASE_BUILDER::add_record;
 const auto edit = &TEST_DATABASE_BUILDER::edit_record;
 const auto changed = &TEST_DATABASE_BUILDER::changed;
 const auto value_of = &TEST_DATABASE_BUILDER::value_text;
-
-// factions <- units.faction, with three units.
-void build_army(TEST_DATABASE_BUILDER& db)
-{
-    db.table("factions", {TEST_FIELD::key("key"), TEST_FIELD::plain("name", KFT_TEXT)})
-        .table("units", {TEST_FIELD::key("unit"),
-                         TEST_FIELD::plain("faction", KFT_TEXT).refers_to("factions", "key", {"name"}),
-                         TEST_FIELD::plain("men", KFT_INTEGER).with_default(60),
-                         TEST_FIELD::plain("id", KFT_AUTONUMBER)})
-        .record("factions", {{"key", "rome"}, {"name", "Rome"}})
-        .record("factions", {{"key", "carthage"}, {"name", "Carthage"}})
-        .record("units", {{"unit", "hastati"}, {"faction", "rome"}})
-        .record("units", {{"unit", "triarii"}, {"faction", "rome"}, {"men", 40}})
-        .record("units", {{"unit", "elephants"}, {"faction", "carthage"}, {"men", 12}});
-}
+const auto find = &TEST_DATABASE_BUILDER::find_record;
 } // namespace
 
+// Every test starts from factions <- units.faction, with three units.
 class TST_KOR_ENGINE_RECORDS : public QObject
 {
     Q_OBJECT
@@ -47,7 +34,6 @@ private slots:
     void a_table_larger_than_the_write_buffer_survives_a_reload();
     void approval_data_and_modification_time_survive_a_reload();
     void composite_keys_join_without_separator();
-    void tables_load_on_first_use();
     void begin_discards_an_open_transaction_and_terminate_discards();
     void records_stay_the_same_objects_across_edits_and_undone_transactions();
     void edit_finds_by_uuid_rekeys_and_cascades();
@@ -64,14 +50,28 @@ private slots:
     void removal_by_key_within_a_transaction();
 
 private:
-    std::unique_ptr<QTemporaryDir> m_folder;
     QString database_path() const { return m_folder->filePath("db"); }
+    KOR_XML_QUERY_INTERFACE& engine() { return m_db->query_interface(); }
+
+    std::unique_ptr<QTemporaryDir> m_folder;
+    std::unique_ptr<TEST_DATABASE_BUILDER> m_db;
 };
 
 void TST_KOR_ENGINE_RECORDS::init()
 {
     m_folder = std::make_unique<QTemporaryDir>();
-    QVERIFY(m_folder->isValid());
+    m_db = std::make_unique<TEST_DATABASE_BUILDER>(database_path());
+    m_db->table("factions", {TEST_FIELD::key("key"), TEST_FIELD::plain("name", KFT_TEXT)})
+        .table("units", {TEST_FIELD::key("unit"),
+                         TEST_FIELD::plain("faction", KFT_TEXT).refers_to("factions", "key", {"name"}),
+                         TEST_FIELD::plain("men", KFT_INTEGER).with_default(60),
+                         TEST_FIELD::plain("id", KFT_AUTONUMBER)})
+        .record("factions", {{"key", "rome"}, {"name", "Rome"}})
+        .record("factions", {{"key", "carthage"}, {"name", "Carthage"}})
+        .record("units", {{"unit", "hastati"}, {"faction", "rome"}})
+        .record("units", {{"unit", "triarii"}, {"faction", "rome"}, {"men", 40}})
+        .record("units", {{"unit", "elephants"}, {"faction", "carthage"}, {"men", 12}});
+    QVERIFY2(m_db->ok(), qPrintable(m_db->error()));
 }
 
 void TST_KOR_ENGINE_RECORDS::values_survive_a_reload_data()
@@ -88,8 +88,7 @@ void TST_KOR_ENGINE_RECORDS::values_survive_a_reload_data()
     QTest::newRow("decimal") << int(KFT_DECIMAL) << QVariant(12.5) << "12.5";
     QTest::newRow("text with markup and blanks")
         << int(KFT_TEXT) << QVariant("  <a & \"b\"> \r\n\t") << "  <a & \"b\"> \r\n\t";
-    QTest::newRow("text beyond the basic plane")
-        << int(KFT_TEXT) << QVariant("Ελλάς 🏛") << "Ελλάς 🏛";
+    QTest::newRow("text beyond the basic plane") << int(KFT_TEXT) << QVariant("Ελλάς 🏛") << "Ελλάς 🏛";
     QTest::newRow("text with control characters")
         << int(KFT_TEXT) << QVariant(QString(QChar(1)) + QChar(0x1f))
         << QString(QString(QChar(1)) + QChar(0x1f));
@@ -107,15 +106,13 @@ void TST_KOR_ENGINE_RECORDS::values_survive_a_reload()
     QFETCH(int, type);
     QFETCH(QVariant, value);
     QFETCH(QString, text);
-    TEST_DATABASE_BUILDER db(database_path());
-    db.table("things", {TEST_FIELD::key("key"), TEST_FIELD::plain("value", KOR_FIELD_TYPE(type))})
+    m_db->table("things", {TEST_FIELD::key("key"), TEST_FIELD::plain("value", KOR_FIELD_TYPE(type))})
         .record("things", {{"key", "a"}, {"value", value}})
         .reconnect();
-    QVERIFY2(db.ok(), qPrintable(db.error()));
-    QString error;
-    const KOR_TABLE_DATA* data = db.query_interface().get_table_data(error, "things");
-    QVERIFY2(data, qPrintable(error));
-    const KOR_FIELD_DATA* field = data->record_by_key("a")->get_field_data("value");
+    QVERIFY2(m_db->ok(), qPrintable(m_db->error()));
+    const KOR_RECORD_DATA* record = find(engine(), "things", "a");
+    QVERIFY(record);
+    const KOR_FIELD_DATA* field = record->get_field_data("value");
     QCOMPARE(field->value_text(), text);
     if (value.isValid() && !(value.type() == QVariant::String && value.toString().isEmpty()))
         QCOMPARE(int(field->m_value.type()), int(value.type()));
@@ -123,18 +120,15 @@ void TST_KOR_ENGINE_RECORDS::values_survive_a_reload()
 
 void TST_KOR_ENGINE_RECORDS::identical_data_writes_identical_bytes()
 {
-    TEST_DATABASE_BUILDER db(database_path());
-    build_army(db);
-    QVERIFY2(db.ok(), qPrintable(db.error()));
-    const QString file = db.path() + QStringLiteral("/units.xml");
-    const QString schema_file = db.path() + QStringLiteral("/Veld_schemas/units.xml");
+    const QString file = database_path() + QStringLiteral("/units.xml");
+    const QString schema_file = database_path() + QStringLiteral("/Veld_schemas/units.xml");
     const QByteArray written = ORBIN_TEST::read_file(file);
     const QByteArray schema_written = ORBIN_TEST::read_file(schema_file);
     QVERIFY(written.contains("<unit>hastati</unit>"));
-    db.reconnect();
+    m_db->reconnect();
     QString error;
-    QVERIFY2(db.query_interface().save_table(error, "units"), qPrintable(error));
-    QVERIFY2(db.query_interface().save_schema(error, "units"), qPrintable(error));
+    QVERIFY2(engine().save_table(error, "units"), qPrintable(error));
+    QVERIFY2(engine().save_schema(error, "units"), qPrintable(error));
     QCOMPARE(ORBIN_TEST::read_file(file), written);
     QCOMPARE(ORBIN_TEST::read_file(schema_file), schema_written);
     // Records are kept in key order.
@@ -144,48 +138,40 @@ void TST_KOR_ENGINE_RECORDS::identical_data_writes_identical_bytes()
 
 void TST_KOR_ENGINE_RECORDS::a_table_larger_than_the_write_buffer_survives_a_reload()
 {
-    TEST_DATABASE_BUILDER db(database_path());
-    db.table("things", {TEST_FIELD::key("key", KFT_INTEGER), TEST_FIELD::plain("text", KFT_TEXT)});
-    QVERIFY2(db.ok(), qPrintable(db.error()));
-    KOR_XML_QUERY_INTERFACE& engine = db.query_interface();
-    QString error;
-    QVERIFY(engine.begin_transaction(error, true));
+    m_db->table("things", {TEST_FIELD::key("key", KFT_INTEGER), TEST_FIELD::plain("text", KFT_TEXT)});
+    QVERIFY2(m_db->ok(), qPrintable(m_db->error()));
     // Texts of every length around the buffer's edge, with characters that
     // are escaped or take several bytes.
+    const auto text = [](int i) {
+        return QString(i % 97 + 300, QLatin1Char('x')) + QStringLiteral("<&é🏛\r") + QString::number(i);
+    };
+    QString error;
+    QVERIFY(engine().begin_transaction(error, true));
     for (int i = 0; i < 12000; ++i)
-    {
-        const QString text =
-            QString(i % 97 + 300, QLatin1Char('x')) + QStringLiteral("<&é🏛\r") + QString::number(i);
-        QVERIFY(add(engine, "things", {{"key", i}, {"text", text}}).isEmpty());
-    }
-    QVERIFY2(engine.end_transaction(error), qPrintable(error));
+        QVERIFY(add(engine(), "things", {{"key", i}, {"text", text(i)}}).isEmpty());
+    QVERIFY2(engine().end_transaction(error), qPrintable(error));
     // Larger than the writer's buffer and than the reader's slices.
     QVERIFY(QFileInfo(database_path() + QStringLiteral("/things.xml")).size() > (4 << 20));
-    db.reconnect();
-    const KOR_TABLE_DATA* data = engine.get_table_data(error, "things");
+    m_db->reconnect();
+    const KOR_TABLE_DATA* data = engine().get_table_data(error, "things");
     QVERIFY2(data, qPrintable(error));
     QCOMPARE(data->record_count(), 12000);
     for (int i = 0; i < 12000; i += 7)
-        QCOMPARE(data->record_by_key(QString::number(i))->get_field_data("text")->value_text(),
-                 QString(i % 97 + 300, QLatin1Char('x')) + QStringLiteral("<&é🏛\r") + QString::number(i));
+        QCOMPARE(data->record_by_key(QString::number(i))->get_field_data("text")->value_text(), text(i));
 }
 
 void TST_KOR_ENGINE_RECORDS::approval_data_and_modification_time_survive_a_reload()
 {
-    TEST_DATABASE_BUILDER db(database_path());
-    db.table("texts", {TEST_FIELD::key("key"), TEST_FIELD::plain("text", KFT_TEXT).localised()})
+    m_db->table("texts", {TEST_FIELD::key("key"), TEST_FIELD::plain("text", KFT_TEXT).localised()})
         .record("texts", {{"key", "a"}, {"text", "Hello"}});
-    QVERIFY2(db.ok(), qPrintable(db.error()));
-    QString error;
-    const KOR_RECORD_DATA* record = db.query_interface().get_table_data(error, "texts")->record_by_key("a");
+    QVERIFY2(m_db->ok(), qPrintable(m_db->error()));
+    const KOR_RECORD_DATA* record = find(engine(), "texts", "a");
     const qint64 modified = record->modification_msecs();
     QVERIFY(qAbs(modified - QDateTime::currentMSecsSinceEpoch()) < 60000);
     QVERIFY(record->get_field_data("text")->has_approval_data());
-    QVERIFY(db.query_interface()
-                .approve_text("texts", "text", "a", record->uuid(), true, false, false)
-                .isEmpty());
-    db.reconnect();
-    record = db.query_interface().get_table_data(error, "texts")->record_by_key("a");
+    QVERIFY(engine().approve_text("texts", "text", "a", record->uuid(), true, false, false).isEmpty());
+    m_db->reconnect();
+    record = find(engine(), "texts", "a");
     const KOR_FIELD_DATA* text = record->get_field_data("text");
     QCOMPARE(text->approval_state(), int(KOR_FIELD_DATA::TAS_APPROVED));
     QCOMPARE(text->last_approved_text(), "Hello");
@@ -197,87 +183,62 @@ void TST_KOR_ENGINE_RECORDS::approval_data_and_modification_time_survive_a_reloa
 
 void TST_KOR_ENGINE_RECORDS::composite_keys_join_without_separator()
 {
-    TEST_DATABASE_BUILDER db(database_path());
-    db.table("pairs", {TEST_FIELD::key("left"), TEST_FIELD::key("right", KFT_INTEGER)})
+    m_db->table("pairs", {TEST_FIELD::key("left"), TEST_FIELD::key("right", KFT_INTEGER)})
         .record("pairs", {{"left", "ab"}, {"right", 12}})
         .record("pairs", {{"left", "a"}, {"right", 3}});
-    QVERIFY2(db.ok(), qPrintable(db.error()));
+    QVERIFY2(m_db->ok(), qPrintable(m_db->error()));
     // "a" + "b12" would collide with "ab" + "12" only if the texts were joined differently.
-    db.record("pairs", {{"left", "ab1"}, {"right", 2}});
-    QVERIFY(db.error().contains("ab12"));
+    m_db->record("pairs", {{"left", "ab1"}, {"right", 2}});
+    QVERIFY(m_db->error().contains("ab12"));
     QString error;
-    const KOR_TABLE_DATA* data = db.query_interface().get_table_data(error, "pairs");
-    QCOMPARE(data->records().keys(), QList<QString>({"a3", "ab12"}));
-    QVERIFY(db.query_interface().key_exists_within_transaction("pairs", "ab12"));
-}
-
-void TST_KOR_ENGINE_RECORDS::tables_load_on_first_use()
-{
-    TEST_DATABASE_BUILDER db(database_path());
-    build_army(db);
-    db.reconnect();
-    QVERIFY2(db.ok(), qPrintable(db.error()));
-    QMap<QString, bool> names;
-    db.query_interface().get_table_names(names);
-    QCOMPARE(names.keys(), QList<QString>({"factions", "units"}));
-    QVERIFY(!names.value("units"));
-    QString error;
-    QVERIFY(db.query_interface().get_table_data(error, "units"));
-    db.query_interface().get_table_names(names);
-    QVERIFY(names.value("units"));
+    QCOMPARE(engine().get_table_data(error, "pairs")->records().keys(), QList<QString>({"a3", "ab12"}));
+    QVERIFY(engine().key_exists_within_transaction("pairs", "ab12"));
 }
 
 void TST_KOR_ENGINE_RECORDS::begin_discards_an_open_transaction_and_terminate_discards()
 {
-    TEST_DATABASE_BUILDER db(database_path());
-    build_army(db);
-    KOR_XML_QUERY_INTERFACE& engine = db.query_interface();
     QString error;
+    QVERIFY(engine().begin_transaction(error, true));
+    QVERIFY(add(engine(), "factions", {{"key", "gauls"}}).isEmpty());
+    QVERIFY(engine().key_exists_within_transaction("factions", "gauls"));
+    QVERIFY(engine().begin_transaction(error, true));
+    QVERIFY(!engine().key_exists_within_transaction("factions", "gauls"));
+    QVERIFY(add(engine(), "factions", {{"key", "greeks"}}).isEmpty());
+    engine().terminate_transaction();
+    engine().terminate_transaction();
+    QVERIFY(!engine().in_transaction());
+    QVERIFY(!engine().key_exists_within_transaction("factions", "greeks"));
 
-    QVERIFY(engine.begin_transaction(error, true));
-    QVERIFY(add(engine, "factions", {{"key", "gauls"}}).isEmpty());
-    QVERIFY(engine.key_exists_within_transaction("factions", "gauls"));
-    QVERIFY(engine.begin_transaction(error, true));
-    QVERIFY(!engine.key_exists_within_transaction("factions", "gauls"));
-    QVERIFY(add(engine, "factions", {{"key", "greeks"}}).isEmpty());
-    engine.terminate_transaction();
-    engine.terminate_transaction();
-    QVERIFY(!engine.in_transaction());
-    QVERIFY(!engine.key_exists_within_transaction("factions", "greeks"));
-
-    QVERIFY(engine.begin_transaction(error, false));
-    QVERIFY(add(engine, "factions", {{"key", "iberians"}}).isEmpty());
-    QVERIFY2(engine.end_transaction(error), qPrintable(error));
-    db.reconnect();
-    QCOMPARE(value_of(engine, "factions", "iberians", "key"), "iberians");
-    QCOMPARE(value_of(engine, "factions", "gauls", "key"), "<none>");
-    QVERIFY(!engine.end_transaction(error));
+    QVERIFY(engine().begin_transaction(error, false));
+    QVERIFY(add(engine(), "factions", {{"key", "iberians"}}).isEmpty());
+    QVERIFY2(engine().end_transaction(error), qPrintable(error));
+    m_db->reconnect();
+    QCOMPARE(value_of(engine(), "factions", "iberians", "key"), "iberians");
+    QCOMPARE(value_of(engine(), "factions", "gauls", "key"), "<none>");
+    QVERIFY(!engine().end_transaction(error));
     QVERIFY(!error.isEmpty());
 }
 
 void TST_KOR_ENGINE_RECORDS::records_stay_the_same_objects_across_edits_and_undone_transactions()
 {
-    TEST_DATABASE_BUILDER db(database_path());
-    build_army(db);
-    KOR_XML_QUERY_INTERFACE& engine = db.query_interface();
     QString error;
-    const KOR_TABLE_DATA* units = engine.get_table_data(error, "units");
+    const KOR_TABLE_DATA* units = engine().get_table_data(error, "units");
     KOR_RECORD_DATA* triarii = units->record_by_key("triarii");
     KOR_FIELD_DATA* men = triarii->get_field_data("men");
 
-    QVERIFY(edit(engine, "units", triarii, {{"men", 45}}).isEmpty());
+    QVERIFY(edit(engine(), "units", triarii, {{"men", 45}}).isEmpty());
     QCOMPARE(units->record_by_key("triarii"), triarii);
     QCOMPARE(triarii->get_field_data("men"), men);
     QCOMPARE(men->m_value.toInt(), 45);
 
     // Edited, re-keyed and removed records come back as the same objects.
     KOR_RECORD_DATA* hastati = units->record_by_key("hastati");
-    QVERIFY(engine.begin_transaction(error, true));
-    QVERIFY(edit(engine, "units", triarii, {{"unit", "veterans"}}).isEmpty());
-    QVERIFY(engine.remove_record("units", *hastati).isEmpty());
+    QVERIFY(engine().begin_transaction(error, true));
+    QVERIFY(edit(engine(), "units", triarii, {{"unit", "veterans"}}).isEmpty());
+    QVERIFY(engine().remove_record("units", *hastati).isEmpty());
     QVERIFY(!units->record_by_key("hastati"));
     QCOMPARE(units->record_by_key("veterans"), triarii);
-    engine.terminate_transaction();
+    engine().terminate_transaction();
     QCOMPARE(units->record_by_key("hastati"), hastati);
     QCOMPARE(units->record_by_key("triarii"), triarii);
     QCOMPARE(units->record_by_uuid(hastati->uuid()), hastati);
@@ -287,98 +248,79 @@ void TST_KOR_ENGINE_RECORDS::records_stay_the_same_objects_across_edits_and_undo
 
 void TST_KOR_ENGINE_RECORDS::edit_finds_by_uuid_rekeys_and_cascades()
 {
-    TEST_DATABASE_BUILDER db(database_path());
-    build_army(db);
-    KOR_XML_QUERY_INTERFACE& engine = db.query_interface();
-    QString error;
-    const KOR_TABLE_DATA* factions = engine.get_table_data(error, "factions");
-    KOR_RECORD_DATA* rome = factions->record_by_key("rome");
+    KOR_RECORD_DATA* rome = find(engine(), "factions", "rome");
     // The old record as the application kept it: its key is stale by now.
     auto stale = changed(rome, {{"key", "somewhere"}});
     QVERIFY(
-        engine.edit_record_data("factions", stale.get(), changed(rome, {{"key", "roma"}}).get()).isEmpty());
-    QCOMPARE(factions->record_by_key("roma"), rome);
-    QCOMPARE(value_of(engine, "units", "hastati", "faction"), "roma");
-    QCOMPARE(value_of(engine, "units", "triarii", "faction"), "roma");
-    QCOMPARE(value_of(engine, "units", "elephants", "faction"), "carthage");
-    db.reconnect();
-    QCOMPARE(value_of(engine, "units", "triarii", "faction"), "roma");
+        engine().edit_record_data("factions", stale.get(), changed(rome, {{"key", "roma"}}).get()).isEmpty());
+    QCOMPARE(find(engine(), "factions", "roma"), rome);
+    QCOMPARE(value_of(engine(), "units", "hastati", "faction"), "roma");
+    QCOMPARE(value_of(engine(), "units", "triarii", "faction"), "roma");
+    QCOMPARE(value_of(engine(), "units", "elephants", "faction"), "carthage");
+    m_db->reconnect();
+    QCOMPARE(value_of(engine(), "units", "triarii", "faction"), "roma");
 
     // A key that is taken refuses the edit and changes nothing.
-    rome = engine.get_table_data(error, "factions")->record_by_key("roma");
-    error = edit(engine, "factions", rome, {{"key", "carthage"}});
-    QVERIFY(error.contains("carthage"));
-    QCOMPARE(value_of(engine, "units", "hastati", "faction"), "roma");
+    rome = find(engine(), "factions", "roma");
+    QVERIFY(edit(engine(), "factions", rome, {{"key", "carthage"}}).contains("carthage"));
+    QCOMPARE(value_of(engine(), "units", "hastati", "faction"), "roma");
     QCOMPARE(rome->key(), "roma");
 }
 
 void TST_KOR_ENGINE_RECORDS::edits_of_one_record_apply_in_order()
 {
-    TEST_DATABASE_BUILDER db(database_path());
-    build_army(db);
-    KOR_XML_QUERY_INTERFACE& engine = db.query_interface();
-    QString error;
-    KOR_RECORD_DATA* hastati = engine.get_table_data(error, "units")->record_by_key("hastati");
+    KOR_RECORD_DATA* hastati = find(engine(), "units", "hastati");
     // Three snapshots as the table model sends them, each with the state of its moment.
     auto first = changed(hastati, {{"men", 70}});
     auto second = changed(first.get(), {{"unit", "principes"}});
     auto third = changed(second.get(), {{"men", 80}});
-    QVERIFY(engine.begin_transaction(error, true));
-    QVERIFY(engine.edit_record_data("units", hastati, first.get()).isEmpty());
-    QVERIFY(engine.edit_record_data("units", hastati, second.get()).isEmpty());
-    QVERIFY(engine.edit_record_data("units", hastati, third.get()).isEmpty());
-    QVERIFY2(engine.end_transaction(error), qPrintable(error));
-    db.reconnect();
-    QCOMPARE(value_of(engine, "units", "principes", "men"), "80");
-    QCOMPARE(value_of(engine, "units", "hastati", "men"), "<none>");
+    QString error;
+    QVERIFY(engine().begin_transaction(error, true));
+    QVERIFY(engine().edit_record_data("units", hastati, first.get()).isEmpty());
+    QVERIFY(engine().edit_record_data("units", hastati, second.get()).isEmpty());
+    QVERIFY(engine().edit_record_data("units", hastati, third.get()).isEmpty());
+    QVERIFY2(engine().end_transaction(error), qPrintable(error));
+    m_db->reconnect();
+    QCOMPARE(value_of(engine(), "units", "principes", "men"), "80");
+    QCOMPARE(value_of(engine(), "units", "hastati", "men"), "<none>");
 }
 
 void TST_KOR_ENGINE_RECORDS::a_freed_key_is_reusable_in_the_same_transaction()
 {
-    TEST_DATABASE_BUILDER db(database_path());
-    build_army(db);
-    KOR_XML_QUERY_INTERFACE& engine = db.query_interface();
-    QString error;
-    const KOR_TABLE_DATA* units = engine.get_table_data(error, "units");
-    KOR_RECORD_DATA* hastati = units->record_by_key("hastati");
-    KOR_RECORD_DATA* triarii = units->record_by_key("triarii");
+    KOR_RECORD_DATA* triarii = find(engine(), "units", "triarii");
     const QUuid triarii_uuid = triarii->uuid();
-    QVERIFY(engine.begin_transaction(error, true));
-    QVERIFY(engine.remove_record("units", *hastati).isEmpty());
-    QVERIFY(edit(engine, "units", triarii, {{"unit", "hastati"}}).isEmpty());
-    QVERIFY(add(engine, "units", {{"unit", "triarii"}}).isEmpty());
-    QVERIFY2(engine.end_transaction(error), qPrintable(error));
-    db.reconnect();
-    units = engine.get_table_data(error, "units");
-    QCOMPARE(units->record_by_key("hastati")->uuid(), triarii_uuid);
-    QCOMPARE(value_of(engine, "units", "triarii", "men"), "60");
+    QString error;
+    QVERIFY(engine().begin_transaction(error, true));
+    QVERIFY(engine().remove_record("units", *find(engine(), "units", "hastati")).isEmpty());
+    QVERIFY(edit(engine(), "units", triarii, {{"unit", "hastati"}}).isEmpty());
+    QVERIFY(add(engine(), "units", {{"unit", "triarii"}}).isEmpty());
+    QVERIFY2(engine().end_transaction(error), qPrintable(error));
+    m_db->reconnect();
+    QCOMPARE(find(engine(), "units", "hastati")->uuid(), triarii_uuid);
+    QCOMPARE(value_of(engine(), "units", "triarii", "men"), "60");
 }
 
 void TST_KOR_ENGINE_RECORDS::next_autonumber_counts_the_open_transaction()
 {
-    TEST_DATABASE_BUILDER db(database_path());
-    build_army(db);
-    KOR_XML_QUERY_INTERFACE& engine = db.query_interface();
     QString error;
-    const KOR_TABLE_DATA* units = engine.get_table_data(error, "units");
+    const KOR_TABLE_DATA* units = engine().get_table_data(error, "units");
     QCOMPARE(units->next_autonumber("id"), 4);
-    QVERIFY(engine.begin_transaction(error, true));
-    QVERIFY(add(engine, "units", {{"unit", "velites"}}).isEmpty());
-    QCOMPARE(value_of(engine, "units", "velites", "id"), "4");
+    QVERIFY(engine().begin_transaction(error, true));
+    QVERIFY(add(engine(), "units", {{"unit", "velites"}}).isEmpty());
+    QCOMPARE(value_of(engine(), "units", "velites", "id"), "4");
     QCOMPARE(units->next_autonumber("id"), 5);
-    engine.terminate_transaction();
+    engine().terminate_transaction();
     QCOMPARE(units->next_autonumber("id"), 4);
 }
 
 void TST_KOR_ENGINE_RECORDS::unique_ids_never_repeat()
 {
-    KOR_XML_QUERY_INTERFACE first(nullptr, QString(), false, false);
-    KOR_XML_QUERY_INTERFACE second(nullptr, QString(), false, false);
+    KOR_XML_QUERY_INTERFACE other(nullptr, QString(), false, false);
     QSet<quint64> seen;
     quint64 previous = 0;
     for (int i = 0; i < 2000; ++i)
     {
-        const quint64 id = (i % 2 ? first : second).new_unique_global_id();
+        const quint64 id = (i % 2 ? other : engine()).new_unique_global_id();
         QVERIFY(id > previous);
         QVERIFY(!seen.contains(id));
         seen.insert(id);
@@ -386,10 +328,9 @@ void TST_KOR_ENGINE_RECORDS::unique_ids_never_repeat()
     }
     // A bound above every value handed out is kept on disk, so a restart
     // cannot repeat one.
-    QFile state(QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation) +
-                "/orbin/unique_id_state");
-    QVERIFY(state.open(QIODevice::ReadOnly));
-    QVERIFY(state.readAll().toULongLong() >= previous);
+    const QByteArray state = ORBIN_TEST::read_file(
+        QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation) + "/orbin/unique_id_state");
+    QVERIFY(state.toULongLong() >= previous);
 }
 
 void TST_KOR_ENGINE_RECORDS::values_take_their_field_type_data()
@@ -416,21 +357,17 @@ void TST_KOR_ENGINE_RECORDS::values_take_their_field_type()
     QFETCH(QVariant, value);
     QFETCH(QString, stored);
     QFETCH(bool, accepted);
-    TEST_DATABASE_BUILDER db(database_path());
-    db.table("things", {TEST_FIELD::key("key"), TEST_FIELD::plain("flag", KFT_YESNO),
-                        TEST_FIELD::plain("count", KFT_INTEGER), TEST_FIELD::plain("label", KFT_TEXT),
-                        TEST_FIELD::plain("amount", KFT_UNSIGNED_INTEGER)})
+    m_db->table("things", {TEST_FIELD::key("key"), TEST_FIELD::plain("flag", KFT_YESNO),
+                           TEST_FIELD::plain("count", KFT_INTEGER), TEST_FIELD::plain("label", KFT_TEXT),
+                           TEST_FIELD::plain("amount", KFT_UNSIGNED_INTEGER)})
         .record("things", {{"key", "a"}, {"count", 1}});
-    QVERIFY2(db.ok(), qPrintable(db.error()));
-    KOR_XML_QUERY_INTERFACE& engine = db.query_interface();
-    QString error;
-    KOR_RECORD_DATA* record = engine.get_table_data(error, "things")->record_by_key("a");
-    error = edit(engine, "things", record, {{field, value}});
-    QCOMPARE(error.isEmpty(), accepted);
+    QVERIFY2(m_db->ok(), qPrintable(m_db->error()));
+    KOR_RECORD_DATA* record = find(engine(), "things", "a");
+    QCOMPARE(edit(engine(), "things", record, {{field, value}}).isEmpty(), accepted);
     if (accepted)
     {
-        db.reconnect();
-        QCOMPARE(value_of(engine, "things", "a", field), stored);
+        m_db->reconnect();
+        QCOMPARE(value_of(engine(), "things", "a", field), stored);
     }
     else
     {
@@ -440,105 +377,81 @@ void TST_KOR_ENGINE_RECORDS::values_take_their_field_type()
 
 void TST_KOR_ENGINE_RECORDS::errors_come_in_three_styles()
 {
+    // Never connected: every style answers a failure rather than crashing.
     KOR_XML_QUERY_INTERFACE never_connected(nullptr, QString(), false, false);
     QString error;
-    // A bool with an error text.
     QVERIFY(!never_connected.begin_transaction(error, true));
     QVERIFY(!error.isEmpty());
-    // An error text that is empty on success.
     QVERIFY(!never_connected.disconnect().isEmpty());
     QVERIFY(!never_connected.connect_without_merge(m_folder->filePath("nothing"), false).isEmpty());
-    // A plain answer.
-    QVERIFY(!never_connected.is_connected());
     QVERIFY(!never_connected.get_table_schema("units"));
 
-    TEST_DATABASE_BUILDER db(database_path());
-    build_army(db);
-    KOR_XML_QUERY_INTERFACE& engine = db.query_interface();
-    QVERIFY(!engine.get_table_data(error, "missing"));
+    QVERIFY(!engine().get_table_data(error, "missing"));
     QVERIFY(error.contains("missing"));
-    QVERIFY(!engine.get_table_schema("missing"));
-    const QString duplicate = add(engine, "factions", {{"key", "rome"}});
+    const QString duplicate = add(engine(), "factions", {{"key", "rome"}});
     QVERIFY(duplicate.contains("rome"));
-    QCOMPARE(engine.get_last_error(), duplicate);
-    QVERIFY(!engine.connect_without_merge(database_path(), false).isEmpty());
-    QVERIFY(engine.is_connected());
+    QCOMPARE(engine().get_last_error(), duplicate);
+    QVERIFY(!engine().connect_without_merge(database_path(), false).isEmpty());
+    QVERIFY(engine().is_connected());
 }
 
 void TST_KOR_ENGINE_RECORDS::permissions_come_from_the_permissions_file()
 {
-    TEST_DATABASE_BUILDER db(database_path());
-    build_army(db);
-    KOR_XML_QUERY_INTERFACE& engine = db.query_interface();
-    QVERIFY(!engine.table_restricted("units"));
-    QVERIFY(engine.can_add_table_records("units"));
-    QFile file(database_path() + QStringLiteral("/Veld_permissions.xml"));
-    QVERIFY(file.open(QIODevice::WriteOnly));
-    file.write("<permissions>\n"
-               "  <table name=\"units\" restricted=\"true\" add=\"false\" remove=\"false\">\n"
-               "    <user name=\"somebody_else\" add=\"true\"/>\n"
-               "  </table>\n"
-               "</permissions>\n");
-    file.close();
-    db.reconnect();
-    QVERIFY(engine.table_restricted("units"));
-    QVERIFY(!engine.can_add_table_records("units"));
-    QVERIFY(engine.can_edit_table_records("units"));
-    QVERIFY(!engine.can_remove_table_records("units"));
-    QVERIFY(engine.can_add_table_records("factions"));
-    const QString refused = add(engine, "units", {{"unit", "x"}});
-    QVERIFY(refused.contains("permission"));
+    QVERIFY(!engine().table_restricted("units"));
+    QVERIFY(engine().can_add_table_records("units"));
+    QVERIFY(ORBIN_TEST::write_file(
+        database_path() + QStringLiteral("/Veld_permissions.xml"),
+        "<permissions>\n"
+        "  <table name=\"units\" restricted=\"true\" add=\"false\" remove=\"false\">\n"
+        "    <user name=\"somebody_else\" add=\"true\"/>\n"
+        "  </table>\n"
+        "</permissions>\n"));
+    m_db->reconnect();
+    QVERIFY(engine().table_restricted("units"));
+    QVERIFY(!engine().can_add_table_records("units"));
+    QVERIFY(engine().can_edit_table_records("units"));
+    QVERIFY(!engine().can_remove_table_records("units"));
+    QVERIFY(engine().can_add_table_records("factions"));
+    QVERIFY(add(engine(), "units", {{"unit", "x"}}).contains("permission"));
 }
 
 void TST_KOR_ENGINE_RECORDS::read_only_refuses_edits()
 {
-    TEST_DATABASE_BUILDER db(database_path());
-    build_army(db);
-    KOR_XML_QUERY_INTERFACE& engine = db.query_interface();
-    engine.make_read_only(true);
-    QVERIFY(engine.is_read_only());
+    engine().make_read_only(true);
+    QVERIFY(engine().is_read_only());
     QString error;
-    QVERIFY(!engine.begin_transaction(error, true));
-    QVERIFY(!add(engine, "factions", {{"key", "x"}}).isEmpty());
-    QVERIFY(engine.get_table_data(error, "factions"));
+    QVERIFY(!engine().begin_transaction(error, true));
+    QVERIFY(!add(engine(), "factions", {{"key", "x"}}).isEmpty());
+    QVERIFY(engine().get_table_data(error, "factions"));
 }
 
 void TST_KOR_ENGINE_RECORDS::interfaces_on_one_path_do_not_overwrite_each_other()
 {
-    TEST_DATABASE_BUILDER db(database_path());
-    build_army(db);
-    QVERIFY2(db.ok(), qPrintable(db.error()));
-    KOR_XML_QUERY_INTERFACE& first = db.query_interface();
     KOR_XML_QUERY_INTERFACE second(nullptr, QString(), false, false);
     QVERIFY(second.connect_without_merge(database_path(), false).isEmpty());
     QString error;
-    const KOR_TABLE_DATA* mine = first.get_table_data(error, "factions");
-    const KOR_TABLE_DATA* theirs = second.get_table_data(error, "factions");
-    QVERIFY(mine != theirs);
+    const KOR_TABLE_DATA* mine = engine().get_table_data(error, "factions");
+    QVERIFY(mine != second.get_table_data(error, "factions"));
     QTest::qWait(20); // file times must differ
     QVERIFY(add(second, "factions", {{"key", "gauls"}}).isEmpty());
     // The first interface read the file before that change: it may not overwrite it.
-    const QString refused = add(first, "factions", {{"key", "greeks"}});
-    QVERIFY(refused.contains("changed by someone else"));
+    QVERIFY(add(engine(), "factions", {{"key", "greeks"}}).contains("changed by someone else"));
     QVERIFY(!mine->record_by_key("greeks"));
-    db.reconnect();
-    QCOMPARE(value_of(first, "factions", "gauls", "key"), "gauls");
+    m_db->reconnect();
+    QCOMPARE(value_of(engine(), "factions", "gauls", "key"), "gauls");
 }
 
 void TST_KOR_ENGINE_RECORDS::removal_by_key_within_a_transaction()
 {
-    TEST_DATABASE_BUILDER db(database_path());
-    build_army(db);
-    KOR_XML_QUERY_INTERFACE& engine = db.query_interface();
+    const QUuid uuid = find(engine(), "units", "hastati")->uuid();
     QString error;
-    const QUuid uuid = engine.get_table_data(error, "units")->record_by_key("hastati")->uuid();
-    QVERIFY(engine.begin_transaction(error, true));
-    QCOMPARE(engine.remove_record_within_transaction("units", "hastati"), uuid);
-    QVERIFY(engine.remove_record_within_transaction("units", "hastati").isNull());
-    QVERIFY(!engine.key_exists_within_transaction("units", "hastati"));
-    QVERIFY(engine.end_transaction(error));
-    db.reconnect();
-    QVERIFY(!engine.key_exists_within_transaction("units", "hastati"));
+    QVERIFY(engine().begin_transaction(error, true));
+    QCOMPARE(engine().remove_record_within_transaction("units", "hastati"), uuid);
+    QVERIFY(engine().remove_record_within_transaction("units", "hastati").isNull());
+    QVERIFY(!engine().key_exists_within_transaction("units", "hastati"));
+    QVERIFY(engine().end_transaction(error));
+    m_db->reconnect();
+    QVERIFY(!engine().key_exists_within_transaction("units", "hastati"));
 }
 
 QTEST_GUILESS_MAIN(TST_KOR_ENGINE_RECORDS)

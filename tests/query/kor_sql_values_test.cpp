@@ -77,6 +77,15 @@ void TEST_KOR_SQL_VALUES::like_is_linear_on_hostile_patterns()
     QVERIFY(KOR_SQL_LIKE_PATTERN(QString(5000, QLatin1Char('%'))).matches(text));
 }
 
+namespace
+{
+KOR_SQL_VALUE integer(qint64 value) { return KOR_SQL_VALUE::from_integer(value); }
+KOR_SQL_VALUE unsigned_(quint64 value) { return KOR_SQL_VALUE::from_unsigned(value); }
+KOR_SQL_VALUE real(double value) { return KOR_SQL_VALUE::from_real(value); }
+KOR_SQL_VALUE boolean(bool value) { return KOR_SQL_VALUE::from_boolean(value); }
+KOR_SQL_VALUE text(const QString& value) { return KOR_SQL_VALUE::from_text(value); }
+} // namespace
+
 void TEST_KOR_SQL_VALUES::compare_data()
 {
     QTest::addColumn<KOR_SQL_VALUE>("left");
@@ -84,37 +93,27 @@ void TEST_KOR_SQL_VALUES::compare_data()
     QTest::addColumn<bool>("ordered");
     QTest::addColumn<int>("order");
 
-    const qint64 min64 = std::numeric_limits<qint64>::min();
     const qint64 max64 = std::numeric_limits<qint64>::max();
     const quint64 umax = std::numeric_limits<quint64>::max();
 
-    QTest::newRow("integer extremes") << KOR_SQL_VALUE::from_integer(min64) << KOR_SQL_VALUE::from_integer(max64)
-                                      << true << -1;
-    QTest::newRow("negative below unsigned") << KOR_SQL_VALUE::from_integer(-1) << KOR_SQL_VALUE::from_unsigned(0)
-                                             << true << -1;
-    QTest::newRow("unsigned above every signed") << KOR_SQL_VALUE::from_unsigned(umax)
-                                                 << KOR_SQL_VALUE::from_integer(max64) << true << 1;
-    QTest::newRow("signed equals unsigned") << KOR_SQL_VALUE::from_integer(7) << KOR_SQL_VALUE::from_unsigned(7)
-                                            << true << 0;
-    QTest::newRow("integer equals real") << KOR_SQL_VALUE::from_integer(3) << KOR_SQL_VALUE::from_real(3.0) << true
-                                         << 0;
+    QTest::newRow("integer extremes") << integer(std::numeric_limits<qint64>::min()) << integer(max64) << true
+                                      << -1;
+    QTest::newRow("negative below unsigned") << integer(-1) << unsigned_(0) << true << -1;
+    QTest::newRow("unsigned above every signed") << unsigned_(umax) << integer(max64) << true << 1;
+    QTest::newRow("signed equals unsigned") << integer(7) << unsigned_(7) << true << 0;
+    QTest::newRow("integer equals real") << integer(3) << real(3.0) << true << 0;
     // 2^53 + 1 is no double; a comparison through double would call them equal.
     QTest::newRow("large integer against real exactly")
-        << KOR_SQL_VALUE::from_integer((qint64(1) << 53) + 1) << KOR_SQL_VALUE::from_real(9007199254740992.0) << true
-        << 1;
-    QTest::newRow("largest unsigned against real")
-        << KOR_SQL_VALUE::from_unsigned(umax) << KOR_SQL_VALUE::from_real(18446744073709551616.0) << true << -1;
-    QTest::newRow("boolean as number") << KOR_SQL_VALUE::from_boolean(true) << KOR_SQL_VALUE::from_integer(1) << true
-                                       << 0;
-    QTest::newRow("NaN is unordered") << KOR_SQL_VALUE::from_real(std::numeric_limits<double>::quiet_NaN())
-                                      << KOR_SQL_VALUE::from_real(1.0) << false << 0;
-    QTest::newRow("texts compare by case") << KOR_SQL_VALUE::from_text("Rome") << KOR_SQL_VALUE::from_text("rome")
-                                           << true << -1;
-    QTest::newRow("text digits are not numbers") << KOR_SQL_VALUE::from_text("9") << KOR_SQL_VALUE::from_text("10")
-                                                 << true << 1;
-    QTest::newRow("text against number") << KOR_SQL_VALUE::from_text("1") << KOR_SQL_VALUE::from_integer(1) << false
-                                         << 0;
-    QTest::newRow("none against number") << KOR_SQL_VALUE() << KOR_SQL_VALUE::from_integer(0) << false << 0;
+        << integer((qint64(1) << 53) + 1) << real(9007199254740992.0) << true << 1;
+    QTest::newRow("largest unsigned against real") << unsigned_(umax) << real(18446744073709551616.0) << true
+                                                   << -1;
+    QTest::newRow("boolean as number") << boolean(true) << integer(1) << true << 0;
+    QTest::newRow("NaN is unordered") << real(std::numeric_limits<double>::quiet_NaN()) << real(1.0) << false
+                                      << 0;
+    QTest::newRow("texts compare by case") << text("Rome") << text("rome") << true << -1;
+    QTest::newRow("text digits are not numbers") << text("9") << text("10") << true << 1;
+    QTest::newRow("text against number") << text("1") << integer(1) << false << 0;
+    QTest::newRow("none against number") << KOR_SQL_VALUE() << integer(0) << false << 0;
 }
 
 void TEST_KOR_SQL_VALUES::compare()
@@ -138,17 +137,14 @@ void TEST_KOR_SQL_VALUES::compare()
 void TEST_KOR_SQL_VALUES::equal_numbers_hash_alike()
 {
     const QVector<QVector<KOR_SQL_VALUE>> groups = {
-        {KOR_SQL_VALUE::from_integer(1), KOR_SQL_VALUE::from_unsigned(1), KOR_SQL_VALUE::from_real(1.0),
-         KOR_SQL_VALUE::from_boolean(true)},
-        {KOR_SQL_VALUE::from_integer(0), KOR_SQL_VALUE::from_real(-0.0), KOR_SQL_VALUE::from_boolean(false)},
-        {KOR_SQL_VALUE::from_integer(-5), KOR_SQL_VALUE::from_real(-5.0)},
-        {KOR_SQL_VALUE::from_unsigned(quint64(1) << 63), KOR_SQL_VALUE::from_real(9223372036854775808.0)},
-        {KOR_SQL_VALUE::from_text("key"), KOR_SQL_VALUE::from_text(QStringLiteral("k") + QStringLiteral("ey"))},
+        {integer(1), unsigned_(1), real(1.0), boolean(true)},
+        {integer(0), real(-0.0), boolean(false)},
+        {integer(-5), real(-5.0)},
+        {unsigned_(quint64(1) << 63), real(9223372036854775808.0)},
+        {text("key"), text(QStringLiteral("k") + QStringLiteral("ey"))},
     };
     for (const QVector<KOR_SQL_VALUE>& group : groups)
-    {
         for (const KOR_SQL_VALUE& a : group)
-        {
             for (const KOR_SQL_VALUE& b : group)
             {
                 int order = 99;
@@ -156,8 +152,6 @@ void TEST_KOR_SQL_VALUES::equal_numbers_hash_alike()
                 QCOMPARE(order, 0);
                 QCOMPARE(a.hash(), b.hash());
             }
-        }
-    }
 }
 
 void TEST_KOR_SQL_VALUES::to_text_data()
@@ -166,9 +160,9 @@ void TEST_KOR_SQL_VALUES::to_text_data()
     QTest::addColumn<QString>("text");
 
     QTest::newRow("none") << KOR_SQL_VALUE() << "";
-    QTest::newRow("large unsigned") << KOR_SQL_VALUE::from_unsigned(18446744073709551615ull) << "18446744073709551615";
-    QTest::newRow("shortest real") << KOR_SQL_VALUE::from_real(0.1) << "0.1";
-    QTest::newRow("whole real") << KOR_SQL_VALUE::from_real(250.0) << "250";
+    QTest::newRow("large unsigned") << unsigned_(18446744073709551615ull) << "18446744073709551615";
+    QTest::newRow("shortest real") << real(0.1) << "0.1";
+    QTest::newRow("whole real") << real(250.0) << "250";
 }
 
 void TEST_KOR_SQL_VALUES::to_text()

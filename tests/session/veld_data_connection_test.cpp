@@ -91,8 +91,6 @@ private slots:
         QCOMPARE(status.count(), 0);
         // A plain connect is not remembered for reconnecting.
         QVERIFY(session.last_connection_path().isEmpty());
-        QMap<QString, bool> names;
-        QVERIFY(session.get_table_names(names));
         QVERIFY(session.get_database_schema());
     }
 
@@ -122,12 +120,7 @@ private slots:
         QCOMPARE(status.count(), remembering ? 0 : 1);
     }
 
-    void failed_connect_leaves_no_interface_data()
-    {
-        QTest::addColumn<bool>("remembering");
-        QTest::newRow("connect_main") << false;
-        QTest::newRow("connect_remembering") << true;
-    }
+    void failed_connect_leaves_no_interface_data() { second_connect_is_refused_data(); }
 
     void failed_connect_leaves_no_interface()
     {
@@ -249,19 +242,6 @@ private slots:
         QCOMPARE(session.query_interface()->connect_string(), main_db);
     }
 
-    void guards_forward_when_connected()
-    {
-        VELD_DATA session;
-        QString error;
-        QVERIFY(session.connect_main(error, main_db, 0));
-        QSignalSpy status(&session, &VELD_DATA::statusUpdate);
-        // No permissions file: everything is allowed.
-        QVERIFY(session.can_add_table_records("anything"));
-        QVERIFY(session.can_edit_table_records("anything"));
-        QVERIFY(session.can_remove_table_records("anything"));
-        QVERIFY(!session.table_restricted("anything"));
-        QCOMPARE(status.count(), 0);
-    }
 };
 
 QTEST_MAIN(VELD_DATA_CONNECTION_TEST)

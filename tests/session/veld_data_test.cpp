@@ -121,96 +121,53 @@ private slots:
 
     // Each forwarded operation that needs the database says why it cannot,
     // instead of reaching for an interface that is not there.
-    void guards_without_a_connection_data()
-    {
-        QTest::addColumn<int>("operation");
-        QTest::addColumn<QString>("message");
-        const QString permissions = QStringLiteral("Must be connected in order to get table permissions!");
-        QTest::newRow("can add") << 0 << permissions;
-        QTest::newRow("table names") << 1 << "Must be connected in order to get table names from the model!";
-        QTest::newRow("record uuids")
-            << 2 << "Must be connected in order to update all records to have uuids!";
-    }
-
     void guards_without_a_connection()
     {
-        QFETCH(int, operation);
-        QFETCH(QString, message);
         VELD_DATA session;
-        QSignalSpy status(&session, &VELD_DATA::statusUpdate);
         QMap<QString, bool> names;
-        bool answer = false;
-        switch (operation)
+        const QList<QPair<std::function<bool()>, QString>> guarded = {
+            {[&] { return session.can_add_table_records("t"); },
+             "Must be connected in order to get table permissions!"},
+            {[&] { return session.get_table_names(names); },
+             "Must be connected in order to get table names from the model!"},
+            {[&] { return session.update_all_records_with_uuids(), false; },
+             "Must be connected in order to update all records to have uuids!"},
+        };
+        for (const auto& operation : guarded)
         {
-        case 0:
-            answer = session.can_add_table_records("t");
-            break;
-        case 1:
-            answer = session.get_table_names(names);
-            break;
-        case 2:
-            session.update_all_records_with_uuids();
-            break;
+            QSignalSpy status(&session, &VELD_DATA::statusUpdate);
+            QVERIFY(!operation.first());
+            QCOMPARE(status.count(), 1);
+            QCOMPARE(status.at(0).at(0).toString(), operation.second);
         }
-        QVERIFY(!answer);
-        QCOMPARE(status.count(), 1);
-        QCOMPARE(status.at(0).at(0).toString(), message);
-
         // The unguarded ones answer nothing, quietly.
+        QSignalSpy status(&session, &VELD_DATA::statusUpdate);
         QVERIFY(!session.get_table_schema("t"));
         QVERIFY(!session.get_database_schema());
-        QCOMPARE(status.count(), 1);
+        QCOMPARE(status.count(), 0);
     }
 
-    void disconnected_session_refuses_to_disconnect()
+    // Disconnecting, reconnecting and mirrors out of range refuse without
+    // reaching for an interface that is not there.
+    void nothing_to_disconnect_reconnect_or_mirror()
     {
         VELD_DATA session;
         QSignalSpy disconnected(&session, &VELD_DATA::disconnected);
+        QSignalSpy connected(&session, &VELD_DATA::connected);
+        QSignalSpy status(&session, &VELD_DATA::statusUpdate);
         QString error;
         QVERIFY(!session.disconnect_all(error));
         QCOMPARE(error, QStringLiteral("Database is not connected"));
-        QCOMPARE(disconnected.count(), 0);
-    }
-
-    void reconnect_before_any_remembered_path_does_nothing()
-    {
-        VELD_DATA session;
-        QSignalSpy status(&session, &VELD_DATA::statusUpdate);
-        QSignalSpy connected(&session, &VELD_DATA::connected);
         QVERIFY(!session.reconnect_if_needed());
-        QCOMPARE(status.count(), 0);
-        QCOMPARE(connected.count(), 0);
         QVERIFY(session.last_connection_path().isEmpty());
-    }
-
-    void mirror_index_out_of_range_data()
-    {
-        QTest::addColumn<int>("index");
-        QTest::newRow("negative") << -1;
-        QTest::newRow("fourth") << 3;
-    }
-
-    void mirror_index_out_of_range()
-    {
-        QFETCH(int, index);
-        VELD_DATA session;
-        QString error;
-        QVERIFY(!session.connect_mirror(error, index, QStringLiteral("/nowhere")));
-        QCOMPARE(error, QStringLiteral("Index is out of range"));
-        QVERIFY(!session.is_mirror_connected(index));
-        QVERIFY(!session.mirror_interface(index));
-    }
-
-    void request_mode_is_announced()
-    {
-        VELD_DATA session;
-        QSignalSpy changed(&session, &VELD_DATA::requestModeChanged);
-        session.set_request_mode(true);
-        QVERIFY(session.is_in_request_mode());
-        session.set_request_mode(false);
-        QCOMPARE(changed.count(), 2);
-        QCOMPARE(changed.at(0).at(0).toBool(), true);
-        QCOMPARE(changed.at(1).at(0).toBool(), false);
+        for (int index : {-1, VELD_DATA::MIRROR_COUNT})
+        {
+            QVERIFY(!session.connect_mirror(error, index, QStringLiteral("/nowhere")));
+            QCOMPARE(error, QStringLiteral("Index is out of range"));
+            QVERIFY(!session.is_mirror_connected(index));
+            QVERIFY(!session.mirror_interface(index));
+        }
+        QCOMPARE(disconnected.count() + connected.count() + status.count(), 0);
     }
 
     // What the engine reports: which box (if any), and the status line.
@@ -267,23 +224,6 @@ private slots:
         QCOMPARE(lines.at(0).at(0).toString(), QString());
     }
 
-    void progress_becomes_signals()
-    {
-        VELD_DATA session;
-        PROGRESS_CALLBACK& sink = session;
-        QSignalSpy maximum(&session, &VELD_DATA::maxProgressChanged);
-        QSignalSpy added(&session, &VELD_DATA::progressAdded);
-        sink.set_maximum_progress(40);
-        sink.add_progress(3);
-        sink.set_progress_text("ignored");
-        sink.reset_progress();
-        QVERIFY(!sink.query("May I?"));
-        QCOMPARE(maximum.count(), 1);
-        QCOMPARE(maximum.at(0).at(0).toInt(), 40);
-        QCOMPARE(added.count(), 1);
-        QCOMPARE(added.at(0).at(0).toInt(), 3);
-    }
-
     void closing_asks_only_about_unsaved_editors_data()
     {
         QTest::addColumn<bool>("unsaved");
@@ -322,13 +262,6 @@ private slots:
         }
     }
 
-    void trigger_tables()
-    {
-        QVERIFY(VELD_DATA::is_trigger_table("advice_triggers"));
-        QVERIFY(VELD_DATA::is_trigger_table("trait_triggers"));
-        QVERIFY(!VELD_DATA::is_trigger_table("Trait_Triggers"));
-        QVERIFY(!VELD_DATA::is_trigger_table("units"));
-    }
 };
 
 QTEST_MAIN(VELD_DATA_TEST)

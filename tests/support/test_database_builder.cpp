@@ -135,6 +135,14 @@ QString TEST_DATABASE_BUILDER::value_text(KOR_XML_QUERY_INTERFACE& engine, const
     return value ? value->value_text() : QStringLiteral("<none>");
 }
 
+KOR_RECORD_DATA* TEST_DATABASE_BUILDER::find_record(KOR_XML_QUERY_INTERFACE& engine, const QString& table,
+                                                    const QString& key)
+{
+    QString error;
+    const KOR_TABLE_DATA* data = engine.get_table_data(error, table);
+    return data ? data->record_by_key(key) : nullptr;
+}
+
 TEST_DATABASE_BUILDER& TEST_DATABASE_BUILDER::table(const QString& name, const QList<TEST_FIELD>& fields)
 {
     if (ok())

@@ -93,6 +93,9 @@ public:
     // record or field is missing.
     static QString value_text(KOR_XML_QUERY_INTERFACE& engine, const QString& table, const QString& key,
                               const QString& field);
+    // The record of table with that key, nullptr when either is missing.
+    static KOR_RECORD_DATA* find_record(KOR_XML_QUERY_INTERFACE& engine, const QString& table,
+                                        const QString& key);
 
 private:
     void note(const QString& error);

@@ -58,6 +58,29 @@ QString describe(const KOR_RECORD_DATA* record)
     }
     return parts.join(QLatin1Char(';'));
 }
+// Three versions of the units table, and their merge.
+struct THREE_WAY
+{
+    std::unique_ptr<KOR_TABLE_SCHEMA> schema = units_schema();
+    KOR_TABLE_DATA base{schema.get()};
+    KOR_TABLE_DATA yours{schema.get()};
+    KOR_TABLE_DATA theirs{schema.get()};
+    KOR_RECORD_MERGE::RESULT result;
+    QString error;
+
+    // One record of that uuid on each side that gives a text ("" for none).
+    void add(const QUuid& uuid, const QString& base_text, const QString& your_text, const QString& their_text)
+    {
+        add_record(base, uuid, base_text);
+        add_record(yours, uuid, your_text);
+        add_record(theirs, uuid, their_text);
+    }
+    bool merge(bool with_base = true)
+    {
+        return KOR_RECORD_MERGE::merge(error, schema.get(), with_base ? &base : nullptr, yours, theirs,
+                                       result);
+    }
+};
 } // namespace
 
 class TEST_KOR_RECORD_MERGE : public QObject
@@ -73,31 +96,27 @@ private slots:
         QTest::addColumn<QString>("merged");
         QTest::addColumn<int>("conflicts");
         const QString one = "key=archer;hp=1;name=A";
+        const QString hp2 = "key=archer;hp=2;name=A";
+        const QString hp3 = "key=archer;hp=3;name=A";
+        const QString hp5 = "key=archer;hp=5;name=A";
+        const QString none;
         QTest::newRow("untouched") << one << one << one << one << 0;
-        QTest::newRow("their edit is taken") << one << one << "key=archer;hp=2;name=A"
-                                             << "key=archer;hp=2;name=A" << 0;
-        QTest::newRow("your edit is kept")
-            << one << "key=archer;hp=3;name=A" << one << "key=archer;hp=3;name=A" << 0;
-        QTest::newRow("different fields both kept") << one << "key=archer;hp=3;name=A"
-                                                    << "key=archer;hp=1;name=B"
-                                                    << "key=archer;hp=3;name=B" << 0;
-        QTest::newRow("same field, same value") << one << "key=archer;hp=5;name=A"
-                                                << "key=archer;hp=5;name=A"
-                                                << "key=archer;hp=5;name=A" << 0;
-        QTest::newRow("same field, yours wins") << one << "key=archer;hp=5;name=A"
-                                                << "key=archer;hp=6;name=B"
-                                                << "key=archer;hp=5;name=B" << 1;
+        QTest::newRow("their edit is taken") << one << one << hp2 << hp2 << 0;
+        QTest::newRow("your edit is kept") << one << hp3 << one << hp3 << 0;
+        QTest::newRow("different fields both kept")
+            << one << hp3 << "key=archer;hp=1;name=B" << "key=archer;hp=3;name=B" << 0;
+        QTest::newRow("same field, same value") << one << hp5 << hp5 << hp5 << 0;
+        QTest::newRow("same field, yours wins")
+            << one << hp5 << "key=archer;hp=6;name=B" << "key=archer;hp=5;name=B" << 1;
         QTest::newRow("field emptied locally") << one << "key=archer;hp=1" << one << "key=archer;hp=1" << 0;
-        QTest::newRow("deleted in the depot, untouched here") << one << one << QString() << QString() << 0;
-        QTest::newRow("deleted in the depot, changed here")
-            << one << "key=archer;hp=2;name=A" << QString() << "key=archer;hp=2;name=A" << 1;
-        QTest::newRow("deleted here, untouched in the depot") << one << QString() << one << QString() << 0;
-        QTest::newRow("deleted here, changed in the depot") << one << QString() << "key=archer;hp=3;name=A"
-                                                            << "key=archer;hp=3;name=A" << 1;
-        QTest::newRow("deleted on both sides") << one << QString() << QString() << QString() << 0;
-        QTest::newRow("added here") << QString() << one << QString() << one << 0;
-        QTest::newRow("added in the depot") << QString() << QString() << one << one << 0;
-        QTest::newRow("added on both sides alike") << QString() << one << one << one << 0;
+        QTest::newRow("deleted in the depot, untouched here") << one << one << none << none << 0;
+        QTest::newRow("deleted in the depot, changed here") << one << hp2 << none << hp2 << 1;
+        QTest::newRow("deleted here, untouched in the depot") << one << none << one << none << 0;
+        QTest::newRow("deleted here, changed in the depot") << one << none << hp3 << hp3 << 1;
+        QTest::newRow("deleted on both sides") << one << none << none << none << 0;
+        QTest::newRow("added here") << none << one << none << one << 0;
+        QTest::newRow("added in the depot") << none << none << one << one << 0;
+        QTest::newRow("added on both sides alike") << none << one << one << one << 0;
     }
 
     void one_record_three_ways()
@@ -107,25 +126,17 @@ private slots:
         QFETCH(QString, theirs);
         QFETCH(QString, merged);
         QFETCH(int, conflicts);
-        const auto schema = units_schema();
         const QUuid uuid = QUuid::createUuid();
         const QUuid bystander = QUuid::createUuid();
-        KOR_TABLE_DATA base_table(schema.get());
-        KOR_TABLE_DATA your_table(schema.get());
-        KOR_TABLE_DATA their_table(schema.get());
-        add_record(base_table, uuid, base);
-        add_record(your_table, uuid, yours);
-        add_record(their_table, uuid, theirs);
+        THREE_WAY tables;
+        tables.add(uuid, base, yours, theirs);
         // A record nobody touched rides along unchanged.
-        for (KOR_TABLE_DATA* table : {&base_table, &your_table, &their_table})
-            add_record(*table, bystander, "key=zealot;hp=9;name=Z");
-
-        KOR_RECORD_MERGE::RESULT result;
-        QString error;
-        QVERIFY2(KOR_RECORD_MERGE::merge(error, schema.get(), &base_table, your_table, their_table, result),
-                 qPrintable(error));
+        const QString zealot = "key=zealot;hp=9;name=Z";
+        tables.add(bystander, zealot, zealot, zealot);
+        QVERIFY2(tables.merge(), qPrintable(tables.error));
+        const KOR_RECORD_MERGE::RESULT& result = tables.result;
         QCOMPARE(describe(result.merged->record_by_uuid(uuid)), merged);
-        QCOMPARE(describe(result.merged->record_by_uuid(bystander)), "key=zealot;hp=9;name=Z");
+        QCOMPARE(describe(result.merged->record_by_uuid(bystander)), zealot);
         QCOMPARE(result.merged->record_count(), merged.isEmpty() ? 1 : 2);
         QCOMPARE(result.conflicts.size(), conflicts);
         if (conflicts > 0)
@@ -134,24 +145,16 @@ private slots:
             QVERIFY(!result.conflicts.first().resolution.isEmpty());
         }
         // The inputs are left as they were.
-        QCOMPARE(describe(your_table.record_by_uuid(uuid)), yours);
+        QCOMPARE(describe(tables.yours.record_by_uuid(uuid)), yours);
     }
 
     void conflict_names_the_field_and_both_values()
     {
-        const auto schema = units_schema();
-        const QUuid uuid = QUuid::createUuid();
-        KOR_TABLE_DATA base_table(schema.get());
-        KOR_TABLE_DATA your_table(schema.get());
-        KOR_TABLE_DATA their_table(schema.get());
-        add_record(base_table, uuid, "key=archer;hp=1");
-        add_record(your_table, uuid, "key=archer;hp=5");
-        add_record(their_table, uuid, "key=archer;hp=6");
-        KOR_RECORD_MERGE::RESULT result;
-        QString error;
-        QVERIFY(KOR_RECORD_MERGE::merge(error, schema.get(), &base_table, your_table, their_table, result));
-        QCOMPARE(result.conflicts.size(), 1);
-        const KOR_RECORD_MERGE::CONFLICT& conflict = result.conflicts.first();
+        THREE_WAY tables;
+        tables.add(QUuid::createUuid(), "key=archer;hp=1", "key=archer;hp=5", "key=archer;hp=6");
+        QVERIFY(tables.merge());
+        QCOMPARE(tables.result.conflicts.size(), 1);
+        const KOR_RECORD_MERGE::CONFLICT& conflict = tables.result.conflicts.first();
         QCOMPARE(conflict.field, "hp");
         QCOMPARE(conflict.base_text, "1");
         QCOMPARE(conflict.your_text, "5");
@@ -160,34 +163,24 @@ private slots:
 
     void one_key_for_two_records_fails()
     {
-        const auto schema = units_schema();
-        KOR_TABLE_DATA base_table(schema.get());
-        KOR_TABLE_DATA your_table(schema.get());
-        KOR_TABLE_DATA their_table(schema.get());
-        add_record(your_table, QUuid::createUuid(), "key=archer;hp=1");
-        add_record(their_table, QUuid::createUuid(), "key=archer;hp=2");
-        KOR_RECORD_MERGE::RESULT result;
-        QString error;
-        QVERIFY(!KOR_RECORD_MERGE::merge(error, schema.get(), &base_table, your_table, their_table, result));
-        QVERIFY2(error.contains(QLatin1String("key 'archer'")), qPrintable(error));
-        QVERIFY(!result.merged);
+        THREE_WAY tables;
+        tables.add(QUuid::createUuid(), "", "key=archer;hp=1", "");
+        tables.add(QUuid::createUuid(), "", "", "key=archer;hp=2");
+        QVERIFY(!tables.merge());
+        QVERIFY2(tables.error.contains(QLatin1String("key 'archer'")), qPrintable(tables.error));
+        QVERIFY(!tables.result.merged);
     }
 
     void without_a_base_both_sides_count_as_added()
     {
-        const auto schema = units_schema();
+        THREE_WAY tables;
         const QUuid uuid = QUuid::createUuid();
-        KOR_TABLE_DATA your_table(schema.get());
-        KOR_TABLE_DATA their_table(schema.get());
-        add_record(your_table, uuid, "key=archer;hp=1");
-        add_record(their_table, uuid, "key=archer;hp=2");
-        add_record(their_table, QUuid::createUuid(), "key=bowman;hp=3");
-        KOR_RECORD_MERGE::RESULT result;
-        QString error;
-        QVERIFY(KOR_RECORD_MERGE::merge(error, schema.get(), nullptr, your_table, their_table, result));
-        QCOMPARE(result.merged->record_count(), 2);
-        QCOMPARE(describe(result.merged->record_by_uuid(uuid)), "key=archer;hp=1");
-        QCOMPARE(result.conflicts.size(), 1);
+        tables.add(uuid, "", "key=archer;hp=1", "key=archer;hp=2");
+        tables.add(QUuid::createUuid(), "", "", "key=bowman;hp=3");
+        QVERIFY(tables.merge(false));
+        QCOMPARE(tables.result.merged->record_count(), 2);
+        QCOMPARE(describe(tables.result.merged->record_by_uuid(uuid)), "key=archer;hp=1");
+        QCOMPARE(tables.result.conflicts.size(), 1);
     }
 };
 

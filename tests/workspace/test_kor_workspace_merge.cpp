@@ -40,23 +40,16 @@ bool change_database(const QString& db, const std::function<QString(KOR_XML_QUER
 bool set_value(const QString& db, const QString& key, const QString& field, const QVariant& value)
 {
     return change_database(db, [&](KOR_XML_QUERY_INTERFACE& query) {
-        QString error;
-        const KOR_TABLE_DATA* table = query.get_table_data(error, units);
-        const KOR_RECORD_DATA* record = table ? table->record_by_key(key) : nullptr;
-        if (!record)
-            return QStringLiteral("no record %1").arg(key);
-        KOR_RECORD_DATA copy(*record, nullptr);
-        copy.get_field_data(field)->set_value(value);
-        return query.edit_record_data(units, record, &copy);
+        KOR_RECORD_DATA* record = TEST_DATABASE_BUILDER::find_record(query, units, key);
+        return record ? TEST_DATABASE_BUILDER::edit_record(query, units, record, {{field, value}})
+                      : QStringLiteral("no record %1").arg(key);
     });
 }
 
 bool add_unit(const QString& db, const QString& key, int hp)
 {
     return change_database(db, [&](KOR_XML_QUERY_INTERFACE& query) {
-        const auto record =
-            TEST_DATABASE_BUILDER::make_record(query.get_table_schema(units), {{"key", key}, {"hp", hp}});
-        return query.add_record(units, record.get());
+        return TEST_DATABASE_BUILDER::add_record(query, units, {{"key", key}, {"hp", hp}});
     });
 }
 
@@ -224,24 +217,6 @@ private slots:
                  (QList<QPair<QString, int>>{qMakePair(QString(), 0)}));
         QVERIFY(query.changed_fields("no_such_table").isEmpty());
         query.disconnect();
-    }
-
-    void a_copy_at_an_older_change_opens_for_the_diff()
-    {
-        QVERIFY(set_value(a_db, "archer", "hp", 99));
-        QVERIFY(submit(a_db, "Change 2"));
-        KOR_XML_QUERY_INTERFACE maker(nullptr, QString(), false, false);
-        const QString copy = maker.create_db_copy_for_diff(a_db, "1");
-        QVERIFY(!copy.isEmpty());
-        KOR_XML_QUERY_INTERFACE diff(nullptr, QString(), false, false);
-        const QString error = diff.connect_for_diff(copy);
-        QVERIFY2(error.isEmpty(), qPrintable(error));
-        QCOMPARE(diff.original_connect_string(), a_db);
-        QString read_error;
-        const KOR_TABLE_DATA* table = diff.get_table_data(read_error, units);
-        QVERIFY(table);
-        QCOMPARE(table->record_by_key("archer")->get_field_data("hp")->value_text(), "10");
-        diff.disconnect();
     }
 
     void without_a_depot_a_merge_only_says_so()
