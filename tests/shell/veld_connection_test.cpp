@@ -1,5 +1,5 @@
 // The connection dialog and its recent paths, on failures that need no
-// database; connecting for real is in veld_connection_database_test.
+// database; connecting for real is in veld_main_window_database_test.
 #include "orbin_settings.h"
 #include "scripted_prompt.h"
 #include "veld_connection.h"
