@@ -89,20 +89,11 @@ private slots:
         QCOMPARE(static_cast<void*>(database()), static_cast<void*>(instance));
     }
 
-    void slots_in_their_order()
-    {
-        const QMetaObject* meta = instance->metaObject();
-        QStringList own;
-        for (int method = meta->methodOffset(); method < meta->methodCount(); ++method)
-            own << QString::fromLatin1(meta->method(method).methodSignature());
-        QCOMPARE(own, (QStringList{"open_VELD()", "orbin_disconnected()", "orbin_connected()"}));
-    }
-
+    // The host owns the actions it is handed.
     void one_action_without_parent()
     {
         const QList<QAction*> actions = application()->create_actions();
         QCOMPARE(actions.size(), 1);
-        QCOMPARE(actions.first()->text(), QStringLiteral("ORBIN - Database Visual Editor"));
         QVERIFY(!actions.first()->parent());
         qDeleteAll(actions);
     }
@@ -140,19 +131,6 @@ private slots:
         QVERIFY(application()->can_close());
         QVERIFY(database()->disconnect_database());
         QCOMPARE(disconnected.count(), 2);
-    }
-
-    // A window made while the session is connected finds it so.
-    void new_window_on_a_connected_session()
-    {
-        QVERIFY(database()->connect_database(true));
-        std::shared_ptr<QWidget> window = open_through_the_action();
-        auto* list = window->findChild<QListWidget*>("statusList");
-        QVERIFY(list);
-        QCOMPARE(list->count(), 1);
-        QVERIFY(list->item(0)->text().endsWith("> The database is already connected!"));
-        window.reset();
-        QVERIFY(database()->disconnect_database());
     }
 
     // Each trigger makes a new main window, handed to the host; the plugin
