@@ -84,15 +84,7 @@ class ORBIN_DB_TEST : public QObject
 
     QString copy_of_database(const QString& name)
     {
-        const QString copy = m_folder.file(name);
-        QDirIterator it(m_database, QDir::Files, QDirIterator::Subdirectories);
-        while (it.hasNext())
-        {
-            const QString path = it.next();
-            if (!ORBIN_TEST::write_file(copy + path.mid(m_database.size()), ORBIN_TEST::read_file(path)))
-                return QString();
-        }
-        return copy;
+        return ORBIN_TEST::copy_folder(m_database, m_folder.file(name)) ? m_folder.file(name) : QString();
     }
 
 private slots:

@@ -119,26 +119,23 @@ private slots:
         QCOMPARE(VELD_OPTIONS::differs_colour(), expected);
     }
 
+    // Each helper reads its own keys: every colour is stored at once, each
+    // different from the others.
     void named_helpers_read_their_keys()
     {
-        store({{"new_cell_is_default", false},
-               {"new_cell_colour", QColor(Qt::blue)},
-               {"altered_cell_is_default", false},
-               {"altered_cell_colour", QColor(Qt::green)},
-               {"exists_only_in_db_1_is_default", false},
-               {"only_in_db_1_colour", QColor(Qt::cyan)},
-               {"exists_only_in_db_2_is_default", false},
-               {"only_in_db_2_colour", QColor(Qt::gray)},
-               {"cell_text_is_default", false},
-               {"cell_text_colour", QColor(Qt::darkRed)},
-               {"window_background_is_default", false},
-               {"window_back_colour", QColor(Qt::yellow)}});
-        QCOMPARE(VELD_OPTIONS::new_cell_colour(), QColor(Qt::blue));
-        QCOMPARE(VELD_OPTIONS::altered_cell_colour(), QColor(Qt::green));
-        QCOMPARE(VELD_OPTIONS::only_in_db_1_colour(), QColor(Qt::cyan));
-        QCOMPARE(VELD_OPTIONS::only_in_db_2_colour(), QColor(Qt::gray));
-        QCOMPARE(VELD_OPTIONS::cell_text_colour(), QColor(Qt::darkRed));
-        QCOMPARE(VELD_OPTIONS::window_background_colour(), QColor(Qt::yellow));
+        const QList<std::tuple<QString, QString, QColor (*)()>> helpers = {
+            {"new_cell_is_default", "new_cell_colour", VELD_OPTIONS::new_cell_colour},
+            {"altered_cell_is_default", "altered_cell_colour", VELD_OPTIONS::altered_cell_colour},
+            {"exists_only_in_db_1_is_default", "only_in_db_1_colour", VELD_OPTIONS::only_in_db_1_colour},
+            {"exists_only_in_db_2_is_default", "only_in_db_2_colour", VELD_OPTIONS::only_in_db_2_colour},
+            {"cell_text_is_default", "cell_text_colour", VELD_OPTIONS::cell_text_colour},
+            {"window_background_is_default", "window_back_colour", VELD_OPTIONS::window_background_colour}};
+        QVariantMap values;
+        for (int i = 0; i < helpers.size(); ++i)
+            values.insert({{std::get<0>(helpers[i]), false}, {std::get<1>(helpers[i]), QColor(i, 1, 2)}});
+        store(values);
+        for (int i = 0; i < helpers.size(); ++i)
+            QCOMPARE(std::get<2>(helpers[i])(), QColor(i, 1, 2));
     }
 };
 
