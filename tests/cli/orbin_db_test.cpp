@@ -10,6 +10,7 @@
 #include "sample_project.h"
 #include "test_folder.h"
 #include "test_helpers.h"
+#include "test_rows.h"
 
 #include <QBuffer>
 #include <QCryptographicHash>
@@ -17,6 +18,8 @@
 #include <QProcess>
 #include <QRegularExpression>
 #include <QtTest>
+
+using ORBIN_TEST::row;
 
 namespace
 {
@@ -100,17 +103,14 @@ private slots:
         QTest::addColumn<QStringList>("arguments");
         QTest::addColumn<int>("code");
         QTest::addColumn<QString>("expected");
-        QTest::newRow("no command") << QStringList() << 2 << "Usage: orbin-db COMMAND";
-        QTest::newRow("unknown command") << QStringList{"frobnicate"} << 2 << "'frobnicate' is not a command";
-        QTest::newRow("an argument short")
-            << QStringList{"validate"} << 2 << "validate takes DB, not 0 argument(s)";
-        QTest::newRow("unknown option") << QStringList{"search", "db", "x", "--fuzzy"} << 2 << "fuzzy";
-        QTest::newRow("not a folder") << QStringList{"stats", "/no/such/folder"} << 2 << "is not a folder";
-        QTest::newRow("bad number") << QStringList{"stats", "db", "--top", "many"} << 2
-                                    << "--top takes a whole number";
-        QTest::newRow("help of a command")
-            << QStringList{"diff", "--help"} << 0 << "Usage: orbin-db diff [options] DB1 DB2";
-        QTest::newRow("list of commands") << QStringList{"--help"} << 0 << "changes WORKSPACE";
+        row("no command", QStringList(), 2, "Usage: orbin-db COMMAND");
+        row("unknown command", QStringList{"frobnicate"}, 2, "'frobnicate' is not a command");
+        row("an argument short", QStringList{"validate"}, 2, "validate takes DB, not 0 argument(s)");
+        row("unknown option", QStringList{"search", "db", "x", "--fuzzy"}, 2, "fuzzy");
+        row("not a folder", QStringList{"stats", "/no/such/folder"}, 2, "is not a folder");
+        row("bad number", QStringList{"stats", "db", "--top", "many"}, 2, "--top takes a whole number");
+        row("help of a command", QStringList{"diff", "--help"}, 0, "Usage: orbin-db diff [options] DB1 DB2");
+        row("list of commands", QStringList{"--help"}, 0, "changes WORKSPACE");
     }
 
     void usage_errors()

@@ -11,9 +11,12 @@
 #include "sample_project.h"
 #include "test_folder.h"
 #include "test_helpers.h"
+#include "test_rows.h"
 
 #include <QProcess>
 #include <QtTest/QtTest>
+
+using ORBIN_TEST::row;
 
 Q_DECLARE_METATYPE(QList<SAMPLE_TABLE>)
 
@@ -136,14 +139,10 @@ private slots:
         QTest::addColumn<QVariant>("men");
         QTest::addColumn<QString>("second_key");
         QTest::addColumn<QString>("message");
-        QTest::newRow("text in a number") << QVariant("many") << "b"
-                                          << "'many' is not a valid value for field 'men'";
-        QTest::newRow("negative unsigned") << QVariant(-4) << "b"
-                                           << "'-4' is not a valid value for field 'men'";
-        QTest::newRow("key twice") << QVariant(5) << "a"
-                                   << "Key 'a' exists already in table 'units'";
-        QTest::newRow("empty key") << QVariant(5) << ""
-                                   << "Empty primary keys are not allowed";
+        row("text in a number", QVariant("many"), "b", "'many' is not a valid value for field 'men'");
+        row("negative unsigned", QVariant(-4), "b", "'-4' is not a valid value for field 'men'");
+        row("key twice", QVariant(5), "a", "Key 'a' exists already in table 'units'");
+        row("empty key", QVariant(5), "", "Empty primary keys are not allowed");
     }
     void rows_that_do_not_fit_are_refused_before_writing()
     {
