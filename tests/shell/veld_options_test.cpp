@@ -58,8 +58,6 @@ private slots:
         QCOMPARE(VELD_OPTIONS::frozen_stylesheet(),
                  QStringLiteral("QTableView, QListView { background-color: #7B94B4; "
                                 "alternate-background-color: #86B7FF; color: #FFFFFF; }"));
-        QVERIFY(!VELD_OPTIONS::auto_submit_lua());
-        QVERIFY(!VELD_OPTIONS::auto_submit_start_pos());
     }
 
     void one_part_off_gives_one_entry_data()

@@ -195,12 +195,6 @@ private slots:
         QVERIFY(files.contains("//raw_data/UI/army/army_panel.slpui.images#1 add"));
         // A file outside the client keeps its depot path.
         QVERIFY(files.contains("//depot/shared/tools/readme.txt#3 edit"));
-
-        // What the layout export makes of a line: "//" becomes the root, cut at "#".
-        const QString line = files.at(files.indexOf("//raw_data/UI/army/army_panel.slpui#12 edit"));
-        const QString local =
-            QString(line).replace("//", root + QLatin1Char('/')).section(QLatin1Char('#'), 0, 0);
-        QCOMPARE(local, root + QStringLiteral("/raw_data/UI/army/army_panel.slpui"));
     }
 
     void revision_helpers_build_the_command_lines()
