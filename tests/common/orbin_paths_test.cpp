@@ -1,7 +1,10 @@
 #include "orbin_paths.h"
+#include "test_rows.h"
 
 #include <QtCore/QTemporaryDir>
 #include <QtTest/QtTest>
+
+using ORBIN_TEST::row;
 
 class ORBIN_PATHS_TEST : public QObject
 {
@@ -31,16 +34,12 @@ private slots:
     {
         QTest::addColumn<QString>("windows");
         QTest::addColumn<QString>("native");
-        QTest::newRow("leading separator") << "\\merge_log"
-                                           << "/merge_log";
-        QTest::newRow("nested literal") << "\\kiln\\export_changes_from_database_editor_configuration.xml"
-                                        << "/kiln/export_changes_from_database_editor_configuration.xml";
-        QTest::newRow("client root keeps its trailing separator") << "D:\\workspaces\\game\\"
-                                                                  << "D:/workspaces/game/";
-        QTest::newRow("already native") << "/home/user/db"
-                                        << "/home/user/db";
-        QTest::newRow("empty") << ""
-                               << "";
+        row("leading separator", "\\merge_log", "/merge_log");
+        row("nested literal", "\\kiln\\export_changes_from_database_editor_configuration.xml",
+            "/kiln/export_changes_from_database_editor_configuration.xml");
+        row("client root keeps its trailing separator", "D:\\workspaces\\game\\", "D:/workspaces/game/");
+        row("already native", "/home/user/db", "/home/user/db");
+        row("empty", "", "");
     }
 
     void conversions()
@@ -57,27 +56,13 @@ private slots:
         QTest::addColumn<QString>("base");
         QTest::addColumn<QString>("literal");
         QTest::addColumn<QString>("joined");
-        QTest::newRow("home and merge_log") << "/home/u"
-                                            << "\\merge_log"
-                                            << "/home/u/merge_log";
-        QTest::newRow("base with separator, literal without") << "/p/bin/"
-                                                              << "kiln\\export.xml"
-                                                              << "/p/bin/kiln/export.xml";
-        QTest::newRow("both with separator") << "/p/bin/"
-                                             << "\\kiln\\export.xml"
-                                             << "/p/bin/kiln/export.xml";
-        QTest::newRow("neither with separator") << "/p/db"
-                                                << "schema_changes_requests"
-                                                << "/p/db/schema_changes_requests";
-        QTest::newRow("windows base") << "D:\\ws\\"
-                                      << "game\\raw_data"
-                                      << "D:/ws/game/raw_data";
-        QTest::newRow("empty base") << ""
-                                    << "\\merge_log"
-                                    << "/merge_log";
-        QTest::newRow("empty literal") << "/p/bin/"
-                                       << ""
-                                       << "/p/bin/";
+        row("home and merge_log", "/home/u", "\\merge_log", "/home/u/merge_log");
+        row("base with separator, literal without", "/p/bin/", "kiln\\export.xml", "/p/bin/kiln/export.xml");
+        row("both with separator", "/p/bin/", "\\kiln\\export.xml", "/p/bin/kiln/export.xml");
+        row("neither with separator", "/p/db", "schema_changes_requests", "/p/db/schema_changes_requests");
+        row("windows base", "D:\\ws\\", "game\\raw_data", "D:/ws/game/raw_data");
+        row("empty base", "", "\\merge_log", "/merge_log");
+        row("empty literal", "/p/bin/", "", "/p/bin/");
     }
 
     void join()
@@ -92,14 +77,10 @@ private slots:
     {
         QTest::addColumn<QString>("windows");
         QTest::addColumn<QString>("native");
-        QTest::newRow("dots before the suffix") << "KILN.release.exe"
-                                                << "KILN.release";
-        QTest::newRow("upper case suffix") << "wget114.EXE"
-                                           << "wget114";
-        QTest::newRow("no suffix") << "wget"
-                                   << "wget";
-        QTest::newRow("suffix inside the name") << "tool.exe.bak"
-                                                << "tool.exe.bak";
+        row("dots before the suffix", "KILN.release.exe", "KILN.release");
+        row("upper case suffix", "wget114.EXE", "wget114");
+        row("no suffix", "wget", "wget");
+        row("suffix inside the name", "tool.exe.bak", "tool.exe.bak");
     }
 
     void executable_names()

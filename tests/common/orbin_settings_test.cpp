@@ -1,8 +1,11 @@
 #include "orbin_settings.h"
+#include "test_rows.h"
 
 #include <QtCore/QDirIterator>
 #include <QtCore/QStandardPaths>
 #include <QtTest/QtTest>
+
+using ORBIN_TEST::row;
 
 class ORBIN_SETTINGS_TEST : public QObject
 {
@@ -30,21 +33,12 @@ private slots:
         QTest::addColumn<QString>("path");
         QTest::addColumn<QString>("organisation");
         QTest::addColumn<QString>("application");
-        QTest::newRow("options") << "Northfold\\Quill\\Veld\\Options"
-                                 << "Northfold/Quill/Veld"
-                                 << "Options";
-        QTest::newRow("trailing separator") << "Northfold\\Quill\\Veld\\Connections\\"
-                                            << "Northfold/Quill/Veld"
-                                            << "Connections";
-        QTest::newRow("doubled separators") << "Northfold\\\\Quill\\Veld\\\\Filters"
-                                            << "Northfold/Quill/Veld"
-                                            << "Filters";
-        QTest::newRow("forward slashes") << "Northfold/Quill/Veld/Searches"
-                                         << "Northfold/Quill/Veld"
-                                         << "Searches";
-        QTest::newRow("one component") << "Northfold"
-                                       << "Northfold"
-                                       << "";
+        row("options", "Northfold\\Quill\\Veld\\Options", "Northfold/Quill/Veld", "Options");
+        row("trailing separator", "Northfold\\Quill\\Veld\\Connections\\", "Northfold/Quill/Veld",
+            "Connections");
+        row("doubled separators", "Northfold\\\\Quill\\Veld\\\\Filters", "Northfold/Quill/Veld", "Filters");
+        row("forward slashes", "Northfold/Quill/Veld/Searches", "Northfold/Quill/Veld", "Searches");
+        row("one component", "Northfold", "Northfold", "");
     }
 
     void names()
@@ -61,10 +55,9 @@ private slots:
     {
         QTest::addColumn<QString>("path");
         QTest::addColumn<QString>("relative_file");
-        QTest::newRow("options") << "Northfold\\Quill\\Veld\\Options"
-                                 << "Northfold/Quill/Veld/Options.conf";
-        QTest::newRow("tracker import") << "Northfold\\Quill\\TrackerFileImport"
-                                        << "Northfold/Quill/TrackerFileImport.conf";
+        row("options", "Northfold\\Quill\\Veld\\Options", "Northfold/Quill/Veld/Options.conf");
+        row("tracker import", "Northfold\\Quill\\TrackerFileImport",
+            "Northfold/Quill/TrackerFileImport.conf");
     }
 
     // A value written by one instance is read by another, from a file in the

@@ -1,6 +1,9 @@
 #include "project_paths.h"
+#include "test_rows.h"
 
 #include <QtTest/QtTest>
+
+using ORBIN_TEST::row;
 
 using LIBRARY_PROXY::PROJECT_PATHS;
 
@@ -17,15 +20,11 @@ private slots:
     {
         QTest::addColumn<QString>("given");
         QTest::addColumn<QString>("seen");
-        QTest::newRow("trailing separator kept single") << "/p/game/binaries//"
-                                                        << "/p/game/binaries/";
-        QTest::newRow("backslashes") << "\\p\\game\\binaries\\"
-                                     << "/p/game/binaries/";
-        QTest::newRow("dot segments") << "/p/game/x/../binaries/."
-                                      << "/p/game/binaries/";
-        QTest::newRow("relative") << "game/binaries" << QDir::currentPath() + "/game/binaries/";
-        QTest::newRow("empty stays empty") << ""
-                                           << "";
+        row("trailing separator kept single", "/p/game/binaries//", "/p/game/binaries/");
+        row("backslashes", "\\p\\game\\binaries\\", "/p/game/binaries/");
+        row("dot segments", "/p/game/x/../binaries/.", "/p/game/binaries/");
+        row("relative", "game/binaries", QDir::currentPath() + "/game/binaries/");
+        row("empty stays empty", "", "");
     }
 
     void current_project_is_normalised()
@@ -95,7 +94,6 @@ private slots:
         QVERIFY(!PROJECT_PATHS().is_configured());
         QCOMPARE(PROJECT_PATHS().all_working_data_count(), 0);
     }
-
 };
 
 QTEST_MAIN(QUILL_HOST_API_TEST)

@@ -217,16 +217,16 @@ private slots:
     {
         QTest::addColumn<bool>("with_plugin_folder");
         QTest::addColumn<bool>("with_project");
-        QTest::addColumn<QStringList>("messages");
-        QTest::newRow("no plugin folder") << false << true << QStringList{"The plugin folder '"};
-        QTest::newRow("no project") << true << false << QStringList{"No project is configured."};
+        QTest::addColumn<QString>("message");
+        QTest::newRow("no plugin folder") << false << true << "The plugin folder '";
+        QTest::newRow("no project") << true << false << "No project is configured.";
     }
 
     void missing_things_are_reported()
     {
         QFETCH(bool, with_plugin_folder);
         QFETCH(bool, with_project);
-        QFETCH(QStringList, messages);
+        QFETCH(QString, message);
         TEST_FOLDER folder;
         QUILL_START_OPTIONS options;
         options.plugin_folder =
@@ -235,12 +235,10 @@ private slots:
             options.binaries_path = "/p/binaries";
         QUILL_MAIN_WINDOW window;
         SCRIPTED_PROMPT prompts;
-        for (int i = 0; i < messages.size(); ++i)
-            prompts.button(QMessageBox::Ok);
+        prompts.button(QMessageBox::Ok);
         window.start(options);
-        QCOMPARE(prompts.asked().size(), messages.size());
-        for (int i = 0; i < messages.size(); ++i)
-            QVERIFY2(prompts.asked()[i].text.contains(messages[i]), qPrintable(prompts.asked()[i].text));
+        QCOMPARE(prompts.asked().size(), 1);
+        QVERIFY2(prompts.asked()[0].text.contains(message), qPrintable(prompts.asked()[0].text));
         QCOMPARE(PROJECT_PATHS().is_configured(), with_project);
     }
 
@@ -289,10 +287,7 @@ private slots:
         QString error;
         QVERIFY2(manager.load_file(QStringLiteral(ORBIN_PLUGIN_FILE), error), qPrintable(error));
         const auto& plugin = *manager.plugins().front();
-        QVERIFY(plugin.database);
-        QCOMPARE(static_cast<QObject*>(plugin.database), plugin.instance);
-        QCOMPARE(plugin.instance->qt_metacast("APP_EXTENSION_PLUGIN_INTERFACE"),
-                 static_cast<void*>(plugin.extension));
+        QVERIFY(plugin.database && plugin.extension);
         QCOMPARE(plugin.description.name, QStringLiteral("ORBIN"));
         QCOMPARE(plugin.actions.size(), 1);
         QCOMPARE(plugin.actions.first()->text(), QStringLiteral("ORBIN - Database Visual Editor"));

@@ -1,8 +1,11 @@
 #include "quill_project_file.h"
 #include "quill_start_options.h"
 #include "test_folder.h"
+#include "test_rows.h"
 
 #include <QtTest/QtTest>
+
+using ORBIN_TEST::row;
 
 using LIBRARY_PROXY::PROJECT_PATHS;
 
@@ -18,22 +21,17 @@ private slots:
         QTest::addColumn<QString>("design_data");
         QTest::addColumn<QString>("connection");
         QTest::addColumn<QStringList>("working_data");
-        QTest::newRow("full file")
-            << "# a project\n[project]\nbinaries = binaries\ndesign_data = design_data\n"
-               "csv_import = design_data/csv\nconnection = raw_data/db\n"
-               "working_data = working_data\nworking_data = mods/working_data\n"
-            << "/base/binaries"
-            << "/base/design_data"
-            << "/base/raw_data/db" << QStringList{"/base/working_data", "/base/mods/working_data"};
-        QTest::newRow("no header, comments, CRLF, quotes")
-            << "; comment\r\nbinaries = \"../bin\"\r\n\r\nDESIGN_DATA=/abs/dd\r\n"
-            << "/bin"
-            << "/abs/dd"
-            << "" << QStringList();
-        QTest::newRow("windows separators") << "binaries = game\\binaries\n"
-                                            << "/base/game/binaries"
-                                            << ""
-                                            << "" << QStringList();
+        row("full file",
+            "# a project\n[project]\nbinaries = binaries\ndesign_data = design_data\n"
+            "csv_import = design_data/csv\nconnection = raw_data/db\n"
+            "working_data = working_data\nworking_data = mods/working_data\n",
+            "/base/binaries", "/base/design_data", "/base/raw_data/db",
+            QStringList{"/base/working_data", "/base/mods/working_data"});
+        row("no header, comments, CRLF, quotes",
+            "; comment\r\nbinaries = \"../bin\"\r\n\r\nDESIGN_DATA=/abs/dd\r\n", "/bin", "/abs/dd", "",
+            QStringList());
+        row("windows separators", "binaries = game\\binaries\n", "/base/game/binaries", "", "",
+            QStringList());
     }
 
     void project_files()
@@ -57,12 +55,9 @@ private slots:
     {
         QTest::addColumn<QString>("text");
         QTest::addColumn<QString>("error");
-        QTest::newRow("misspelt key") << "binaries = b\nbinary = c\n"
-                                      << "p.ini:2: unknown key 'binary'";
-        QTest::newRow("other section") << "[paths]\nbinaries = b\n"
-                                       << "p.ini:1: unknown section [paths]";
-        QTest::newRow("no binaries") << "design_data = d\n"
-                                     << "p.ini: no 'binaries' path";
+        row("misspelt key", "binaries = b\nbinary = c\n", "p.ini:2: unknown key 'binary'");
+        row("other section", "[paths]\nbinaries = b\n", "p.ini:1: unknown section [paths]");
+        row("no binaries", "design_data = d\n", "p.ini: no 'binaries' path");
     }
 
     void project_file_errors()

@@ -93,22 +93,15 @@ private slots:
 
         const QString title = QStringLiteral("Orbin");
         const QString text = QStringLiteral("There are unsaved table changes");
-        QMessageBox::StandardButton answer = QMessageBox::NoButton;
-        switch (prompt::KIND(kind))
-        {
-        case prompt::KIND::QUESTION:
-            answer = prompt::question(&parent, title, text, button_set, default_one);
-            break;
-        case prompt::KIND::INFORMATION:
-            answer = prompt::information(&parent, title, text, button_set, default_one);
-            break;
-        case prompt::KIND::WARNING:
-            answer = prompt::warning(&parent, title, text, button_set, default_one);
-            break;
-        default:
-            answer = prompt::critical(&parent, title, text, button_set, default_one);
-            break;
-        }
+        using ASK =
+            QMessageBox::StandardButton (*)(QWidget*, const QString&, const QString&,
+                                            QMessageBox::StandardButtons, QMessageBox::StandardButton);
+        const QMap<int, ASK> ask = {{int(prompt::KIND::QUESTION), prompt::question},
+                                    {int(prompt::KIND::INFORMATION), prompt::information},
+                                    {int(prompt::KIND::WARNING), prompt::warning},
+                                    {int(prompt::KIND::CRITICAL), prompt::critical}};
+        const QMessageBox::StandardButton answer =
+            ask.value(kind)(&parent, title, text, button_set, default_one);
         QCOMPARE(int(answer), pressed);
         QCOMPARE(prompts.asked().size(), 1);
         const SCRIPTED_PROMPT::RECORD& record = prompts.asked().first();

@@ -9,12 +9,14 @@
 #include "sample_content.h"
 #include "sample_database_writer.h"
 #include "sample_project.h"
-#include "sample_random.h"
 #include "test_folder.h"
 #include "test_helpers.h"
+#include "test_rows.h"
 
 #include <QProcess>
 #include <QtTest/QtTest>
+
+using ORBIN_TEST::row;
 
 Q_DECLARE_METATYPE(QList<SAMPLE_TABLE>)
 
@@ -132,32 +134,15 @@ private slots:
         }
     }
 
-    void random_streams_are_fixed_by_their_seed()
-    {
-        SAMPLE_RANDOM a(42), b(42);
-        for (int i = 0; i < 100; ++i)
-            QCOMPARE(a.next(), b.next());
-        // Forking does not move the stream it forks from.
-        SAMPLE_RANDOM c(42);
-        const quint64 first = SAMPLE_RANDOM(42).next();
-        c.fork("units").next();
-        QCOMPARE(c.next(), first);
-        QVERIFY(SAMPLE_RANDOM(42).fork("units").next() != SAMPLE_RANDOM(42).fork("unit").next());
-    }
-
     void rows_that_do_not_fit_are_refused_before_writing_data()
     {
         QTest::addColumn<QVariant>("men");
         QTest::addColumn<QString>("second_key");
         QTest::addColumn<QString>("message");
-        QTest::newRow("text in a number") << QVariant("many") << "b"
-                                          << "'many' is not a valid value for field 'men'";
-        QTest::newRow("negative unsigned") << QVariant(-4) << "b"
-                                           << "'-4' is not a valid value for field 'men'";
-        QTest::newRow("key twice") << QVariant(5) << "a"
-                                   << "Key 'a' exists already in table 'units'";
-        QTest::newRow("empty key") << QVariant(5) << ""
-                                   << "Empty primary keys are not allowed";
+        row("text in a number", QVariant("many"), "b", "'many' is not a valid value for field 'men'");
+        row("negative unsigned", QVariant(-4), "b", "'-4' is not a valid value for field 'men'");
+        row("key twice", QVariant(5), "a", "Key 'a' exists already in table 'units'");
+        row("empty key", QVariant(5), "", "Empty primary keys are not allowed");
     }
     void rows_that_do_not_fit_are_refused_before_writing()
     {
@@ -188,14 +173,6 @@ private slots:
         QString error;
         QVERIFY(!content.generate(error, catalogue, 1, SAMPLE_SIZE::SMALL));
         QCOMPARE(error, QString("The generator of table 'units' writes the unknown field 'mne'"));
-    }
-
-    void a_database_is_only_made_in_an_empty_folder()
-    {
-        TEST_FOLDER folder;
-        folder.write("db/mine.txt", "keep");
-        QVERIFY(!SAMPLE_PROJECT::generate_database(folder.file("db")).isEmpty());
-        QCOMPARE(ORBIN_TEST::read_file(folder.file("db/mine.txt")), QByteArray("keep"));
     }
 
     void the_program_refuses_bad_arguments_data()

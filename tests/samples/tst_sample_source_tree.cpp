@@ -11,9 +11,12 @@
 #include "sample_project.h"
 #include "test_folder.h"
 #include "test_helpers.h"
+#include "test_rows.h"
 
 #include <QRegExp>
 #include <QtTest/QtTest>
+
+using ORBIN_TEST::row;
 
 namespace
 {
@@ -73,18 +76,9 @@ private slots:
         QTest::addColumn<QString>("record");
         QTest::addColumn<QString>("table");
         QTest::addColumn<QString>("header");
-        QTest::newRow("plural in s") << "land_units"
-                                     << "LAND_UNIT_RECORD"
-                                     << "LAND_UNITS_TABLE"
-                                     << "LandUnitsTable.h";
-        QTest::newRow("plural in ies") << "ancillaries"
-                                       << "ANCILLARY_RECORD"
-                                       << "ANCILLARIES_TABLE"
-                                       << "AncillariesTable.h";
-        QTest::newRow("one-letter part") << "x_ray_s"
-                                         << "X_RAY__RECORD"
-                                         << "X_RAY_S_TABLE"
-                                         << "XRaySTable.h";
+        row("plural in s", "land_units", "LAND_UNIT_RECORD", "LAND_UNITS_TABLE", "LandUnitsTable.h");
+        row("plural in ies", "ancillaries", "ANCILLARY_RECORD", "ANCILLARIES_TABLE", "AncillariesTable.h");
+        row("one-letter part", "x_ray_s", "X_RAY__RECORD", "X_RAY_S_TABLE", "XRaySTable.h");
     }
     void derived_names()
     {
@@ -299,7 +293,6 @@ private slots:
                 "BATTLE_CATEGORY_RECORD::DEPENDENCIES(factions_table(), cultures_table()) , stringtable() , "
                 "m_bad_mods)) \\"));
     }
-
 };
 
 QTEST_MAIN(TST_SAMPLE_SOURCE_TREE)

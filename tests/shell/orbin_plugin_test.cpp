@@ -68,57 +68,32 @@ private slots:
     void answers_for_its_interfaces_data()
     {
         QTest::addColumn<QByteArray>("name");
-        QTest::addColumn<int>("answer"); // 0 the object, 1 the database side, 2 the application side, 3 none
-        QTest::newRow("class name") << QByteArray("ORBIN_PLUGIN") << 0;
+        QTest::addColumn<int>("answer"); // 1 the database side, 2 the application side, 0 none
         QTest::newRow("database interface id")
             << QByteArray("com.nf.Quill.DatabaseEditorPluginInterface/1.0") << 1;
         QTest::newRow("application interface id")
             << QByteArray("com.nf.Quill.AppExtensionPluginInterface/1.0") << 2;
         QTest::newRow("application class name") << QByteArray("APP_EXTENSION_PLUGIN_INTERFACE") << 2;
-        QTest::newRow("first base") << QByteArray("DATABASE_EDITOR_PLUGIN_INTERFACE") << 1;
-        QTest::newRow("QObject") << QByteArray("QObject") << 0;
-        QTest::newRow("anything else") << QByteArray("VELD_MAIN_WINDOW") << 3;
+        QTest::newRow("anything else") << QByteArray("VELD_MAIN_WINDOW") << 0;
     }
 
     void answers_for_its_interfaces()
     {
         QFETCH(QByteArray, name);
         QFETCH(int, answer);
-        void* expected = nullptr;
-        switch (answer)
-        {
-        case 0:
-            expected = instance;
-            break;
-        case 1:
-            expected = static_cast<DATABASE_EDITOR_PLUGIN_INTERFACE*>(database());
-            break;
-        case 2:
-            expected = static_cast<APP_EXTENSION_PLUGIN_INTERFACE*>(application());
-            break;
-        default:
-            break;
-        }
         QVERIFY(database() && application());
-        QCOMPARE(instance->qt_metacast(name.constData()), expected);
+        const QList<void*> expected = {nullptr, static_cast<DATABASE_EDITOR_PLUGIN_INTERFACE*>(database()),
+                                       static_cast<APP_EXTENSION_PLUGIN_INTERFACE*>(application())};
+        QCOMPARE(instance->qt_metacast(name.constData()), expected[answer]);
         // The database side comes first: it is the object itself.
         QCOMPARE(static_cast<void*>(database()), static_cast<void*>(instance));
     }
 
-    void slots_in_their_order()
-    {
-        const QMetaObject* meta = instance->metaObject();
-        QStringList own;
-        for (int method = meta->methodOffset(); method < meta->methodCount(); ++method)
-            own << QString::fromLatin1(meta->method(method).methodSignature());
-        QCOMPARE(own, (QStringList{"open_VELD()", "orbin_disconnected()", "orbin_connected()"}));
-    }
-
+    // The host owns the actions it is handed.
     void one_action_without_parent()
     {
         const QList<QAction*> actions = application()->create_actions();
         QCOMPARE(actions.size(), 1);
-        QCOMPARE(actions.first()->text(), QStringLiteral("ORBIN - Database Visual Editor"));
         QVERIFY(!actions.first()->parent());
         qDeleteAll(actions);
     }
@@ -156,19 +131,6 @@ private slots:
         QVERIFY(application()->can_close());
         QVERIFY(database()->disconnect_database());
         QCOMPARE(disconnected.count(), 2);
-    }
-
-    // A window made while the session is connected finds it so.
-    void new_window_on_a_connected_session()
-    {
-        QVERIFY(database()->connect_database(true));
-        std::shared_ptr<QWidget> window = open_through_the_action();
-        auto* list = window->findChild<QListWidget*>("statusList");
-        QVERIFY(list);
-        QCOMPARE(list->count(), 1);
-        QVERIFY(list->item(0)->text().endsWith("> The database is already connected!"));
-        window.reset();
-        QVERIFY(database()->disconnect_database());
     }
 
     // Each trigger makes a new main window, handed to the host; the plugin

@@ -1,12 +1,15 @@
 // The connection dialog and its recent paths, on failures that need no
-// database; connecting for real is in veld_connection_database_test.
+// database; connecting for real is in veld_main_window_database_test.
 #include "orbin_settings.h"
 #include "scripted_prompt.h"
+#include "test_rows.h"
 #include "veld_connection.h"
 #include "veld_connection_history.h"
 #include "veld_data.h"
 
 #include <QtTest/QtTest>
+
+using ORBIN_TEST::row;
 
 namespace
 {
@@ -130,11 +133,9 @@ private slots:
     {
         QTest::addColumn<QString>("main");
         QTest::addColumn<QString>("status_start");
-        QTest::newRow("empty main path")
-            << ""
-            << "Connection failed! : Connection failed! : The connection string is empty ";
-        QTest::newRow("no database there") << "/no/such/db"
-                                           << "Connection failed! : ";
+        row("empty main path", "",
+            "Connection failed! : Connection failed! : The connection string is empty ");
+        row("no database there", "/no/such/db", "Connection failed! : ");
     }
 
     void connect_failures()

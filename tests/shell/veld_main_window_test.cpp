@@ -489,23 +489,6 @@ private slots:
         registry.unregister_form("units", type);
     }
 
-    void fill_and_cascade_arrange_the_area()
-    {
-        VELD_DATA session;
-        VELD_MAIN_WINDOW window(&session);
-        let_auto_connect_run(session);
-        window.show();
-        QMdiSubWindow* first = add_form(window, new QWidget, "a", VELD_FORM_TYPE::DIALOG);
-        QMdiSubWindow* second = add_form(window, new QWidget, "b", VELD_FORM_TYPE::DIALOG);
-        window.action("&Fill Area")->trigger();
-        // Tiled: side by side, together filling the area.
-        QVERIFY(!first->geometry().intersects(second->geometry()));
-        window.action("&Cascade")->trigger();
-        QVERIFY(first->geometry().intersects(second->geometry()));
-        registry.unregister_form("a", VELD_FORM_TYPE::DIALOG);
-        registry.unregister_form("b", VELD_FORM_TYPE::DIALOG);
-    }
-
     void old_merge_logs_are_removed_at_start()
     {
         const QString logs = QDir::homePath() + QStringLiteral("/merge_log");

@@ -1,9 +1,12 @@
 // The colour helpers as every view reads them, from settings written the way
 // the options dialog (or a person editing the file) writes them.
 #include "orbin_settings.h"
+#include "test_rows.h"
 #include "veld_options.h"
 
 #include <QtTest/QtTest>
+
+using ORBIN_TEST::row;
 
 namespace
 {
@@ -55,8 +58,6 @@ private slots:
         QCOMPARE(VELD_OPTIONS::frozen_stylesheet(),
                  QStringLiteral("QTableView, QListView { background-color: #7B94B4; "
                                 "alternate-background-color: #86B7FF; color: #FFFFFF; }"));
-        QVERIFY(!VELD_OPTIONS::auto_submit_lua());
-        QVERIFY(!VELD_OPTIONS::auto_submit_start_pos());
     }
 
     void one_part_off_gives_one_entry_data()
@@ -64,15 +65,10 @@ private slots:
         QTest::addColumn<QString>("default_key");
         QTest::addColumn<QString>("colour_key");
         QTest::addColumn<QString>("entry");
-        QTest::newRow("background") << "cell_back_is_default"
-                                    << "cell_back_colour"
-                                    << "background-color";
-        QTest::newRow("alternate") << "cell_alternate_back_is_default"
-                                   << "cell_alternate_back_colour"
-                                   << "alternate-background-color";
-        QTest::newRow("text") << "cell_text_is_default"
-                              << "cell_text_colour"
-                              << "color";
+        row("background", "cell_back_is_default", "cell_back_colour", "background-color");
+        row("alternate", "cell_alternate_back_is_default", "cell_alternate_back_colour",
+            "alternate-background-color");
+        row("text", "cell_text_is_default", "cell_text_colour", "color");
     }
 
     void one_part_off_gives_one_entry()
@@ -105,10 +101,8 @@ private slots:
         QTest::addColumn<QColor>("expected");
         QTest::newRow("a colour") << QVariant(QColor(10, 20, 30)) << QColor(10, 20, 30);
         QTest::newRow("text of a colour") << QVariant(QStringLiteral("#0a141e")) << QColor(10, 20, 30);
-        QTest::newRow("a colour name") << QVariant(QStringLiteral("red")) << QColor(Qt::red);
         QTest::newRow("text that is no colour") << QVariant(QStringLiteral("sky")) << QColor();
         QTest::newRow("a number") << QVariant(42) << QColor();
-        QTest::newRow("a list") << QVariant(QStringList{"#000000", "#ffffff"}) << QColor();
         QTest::newRow("absent") << QVariant() << QColor(Qt::white);
     }
 
@@ -123,28 +117,24 @@ private slots:
         QCOMPARE(VELD_OPTIONS::differs_colour(), expected);
     }
 
+    // Each helper reads its own keys: every colour is stored at once, each
+    // different from the others.
     void named_helpers_read_their_keys()
     {
-        store({{"new_cell_is_default", false},
-               {"new_cell_colour", QColor(Qt::blue)},
-               {"altered_cell_is_default", false},
-               {"altered_cell_colour", QColor(Qt::green)},
-               {"exists_only_in_db_1_is_default", false},
-               {"only_in_db_1_colour", QColor(Qt::cyan)},
-               {"exists_only_in_db_2_is_default", false},
-               {"only_in_db_2_colour", QColor(Qt::gray)},
-               {"cell_text_is_default", false},
-               {"cell_text_colour", QColor(Qt::darkRed)},
-               {"window_background_is_default", false},
-               {"window_back_colour", QColor(Qt::yellow)}});
-        QCOMPARE(VELD_OPTIONS::new_cell_colour(), QColor(Qt::blue));
-        QCOMPARE(VELD_OPTIONS::altered_cell_colour(), QColor(Qt::green));
-        QCOMPARE(VELD_OPTIONS::only_in_db_1_colour(), QColor(Qt::cyan));
-        QCOMPARE(VELD_OPTIONS::only_in_db_2_colour(), QColor(Qt::gray));
-        QCOMPARE(VELD_OPTIONS::cell_text_colour(), QColor(Qt::darkRed));
-        QCOMPARE(VELD_OPTIONS::window_background_colour(), QColor(Qt::yellow));
+        const QList<std::tuple<QString, QString, QColor (*)()>> helpers = {
+            {"new_cell_is_default", "new_cell_colour", VELD_OPTIONS::new_cell_colour},
+            {"altered_cell_is_default", "altered_cell_colour", VELD_OPTIONS::altered_cell_colour},
+            {"exists_only_in_db_1_is_default", "only_in_db_1_colour", VELD_OPTIONS::only_in_db_1_colour},
+            {"exists_only_in_db_2_is_default", "only_in_db_2_colour", VELD_OPTIONS::only_in_db_2_colour},
+            {"cell_text_is_default", "cell_text_colour", VELD_OPTIONS::cell_text_colour},
+            {"window_background_is_default", "window_back_colour", VELD_OPTIONS::window_background_colour}};
+        QVariantMap values;
+        for (int i = 0; i < helpers.size(); ++i)
+            values.insert({{std::get<0>(helpers[i]), false}, {std::get<1>(helpers[i]), QColor(i, 1, 2)}});
+        store(values);
+        for (int i = 0; i < helpers.size(); ++i)
+            QCOMPARE(std::get<2>(helpers[i])(), QColor(i, 1, 2));
     }
-
 };
 
 QTEST_MAIN(VELD_OPTIONS_TEST)

@@ -4,11 +4,14 @@
 
 #include "kor_db_perforce.h"
 #include "p4_connection.h"
+#include "test_rows.h"
 #include "vcs_depot.h"
 #include "vcs_ztag_record.h"
 
 #include <QStandardPaths>
 #include <QtTest/QtTest>
+
+using ORBIN_TEST::row;
 
 namespace
 {
@@ -25,9 +28,9 @@ QStringList lines_of(const QVector<QString>& output)
     return QStringList(output.begin(), output.end());
 }
 
-QVector<VCS_ZTAG_RECORD> records_of(const QVector<QString>& output)
+QVector<VCS_ZTAG_RECORD> records_of(const QStringList& output)
 {
-    return VCS_ZTAG_RECORD::parse(lines_of(output));
+    return VCS_ZTAG_RECORD::parse(output);
 }
 
 // Collects what the line callback of P4_CONNECTION::run hands over.
@@ -47,8 +50,8 @@ private:
     QString b; // second workspace
 
     // Runs a verb in a workspace; the output, and whether it worked.
-    QVector<QString> run(const QString& workspace, const QString& command, const QStringList& arguments,
-                         bool* ok = nullptr, const QString& input = QString())
+    QStringList run(const QString& workspace, const QString& command, const QStringList& arguments,
+                    bool* ok = nullptr, const QString& input = QString())
     {
         P4_CONNECTION connection(true, true, false);
         connection.set_start_directory(workspace);
@@ -60,7 +63,7 @@ private:
             *ok = worked;
         else if (!worked)
             qWarning().noquote() << command << arguments << "failed:" << error << lines_of(output);
-        return output;
+        return lines_of(output);
     }
 
     std::unique_ptr<VCS_DEPOT> depot(const QString& workspace)
@@ -167,10 +170,10 @@ private slots:
         const QByteArray units_v2("<units>\n<unit key=\"archer\"/>\n<unit key=\"knight\"/>\n</units>\n");
         GIT_SANDBOX::write(units_a, units_v2);
         bool ok = false;
-        const QStringList submitted = lines_of(run(a, "submit", {"-d", "More units"}, &ok));
+        const QStringList submitted = run(a, "submit", {"-d", "More units"}, &ok);
         QVERIFY2(ok, qPrintable(submitted.join('\n')));
         QVERIFY2(submitted.contains("Change 2 submitted."), qPrintable(submitted.join('\n')));
-        QVERIFY(lines_of(run(a, "opened", {})).join('\n').contains(QLatin1String("not opened")));
+        QVERIFY(run(a, "opened", {}).join('\n').contains(QLatin1String("not opened")));
 
         const QVector<VCS_ZTAG_RECORD> synced = records_of(run(b, "sync", {}));
         QCOMPARE(synced.size(), 1);
@@ -187,7 +190,7 @@ private slots:
         QVERIFY(called.first().second.contains(QLatin1String("up-to-date")));
 
         // The shape the layout export reads: "//" stands for the client root.
-        const QStringList described = lines_of(run(b, "describe", {"-s", "2"}));
+        const QStringList described = run(b, "describe", {"-s", "2"});
         QVERIFY(described.first().startsWith(QLatin1String("Change 2 by ")));
         QVERIFY(described.contains("\tMore units"));
         const int affected = described.indexOf("Affected files ...");
@@ -203,7 +206,7 @@ private slots:
         const QString notes_b = file(b, "db/notes.txt");
         run(b, "edit", {notes_b});
         GIT_SANDBOX::write(notes_b, "changed\n");
-        QVERIFY(lines_of(run(b, "submit", {"-d", "Notes"})).contains("Change 3 submitted."));
+        QVERIFY(run(b, "submit", {"-d", "Notes"}).contains("Change 3 submitted."));
         P4_CONNECTION connection(true, true, false);
         connection.set_start_directory(a);
         QString error;
@@ -221,18 +224,12 @@ private slots:
         QTest::addColumn<QByteArray>("theirs");
         QTest::addColumn<QByteArray>("expected");
         QTest::addColumn<bool>("still_unresolved");
-        QTest::newRow("accept theirs")
-            << "-at" << QByteArray("a\nB\nc\nd\ne\n") << QByteArray("a\nb\nc\nd\nE\n")
-            << QByteArray("a\nb\nc\nd\nE\n") << false;
-        QTest::newRow("accept yours")
-            << "-ay" << QByteArray("a\nB\nc\nd\ne\n") << QByteArray("a\nb\nc\nd\nE\n")
-            << QByteArray("a\nB\nc\nd\ne\n") << false;
-        QTest::newRow("merge apart") << "-am" << QByteArray("a\nB\nc\nd\ne\n")
-                                     << QByteArray("a\nb\nc\nd\nE\n") << QByteArray("a\nB\nc\nd\nE\n")
-                                     << false;
-        QTest::newRow("merge conflict keeps yours")
-            << "-am" << QByteArray("a\nX\nc\nd\ne\n") << QByteArray("a\nY\nc\nd\ne\n")
-            << QByteArray("a\nX\nc\nd\ne\n") << true;
+        const QByteArray mine("a\nB\nc\nd\ne\n"), theirs("a\nb\nc\nd\nE\n");
+        row("accept theirs", "-at", mine, theirs, theirs, false);
+        row("accept yours", "-ay", mine, theirs, mine, false);
+        row("merge apart", "-am", mine, theirs, QByteArray("a\nB\nc\nd\nE\n"), false);
+        row("merge conflict keeps yours", "-am", QByteArray("a\nX\nc\nd\ne\n"), QByteArray("a\nY\nc\nd\ne\n"),
+            QByteArray("a\nX\nc\nd\ne\n"), true);
     }
 
     void sync_with_local_edits_then_resolve()
@@ -247,7 +244,7 @@ private slots:
         GIT_SANDBOX::write(notes_b, local); // edited without opening: git files are writable
         QVERIFY(sandbox->push_from_seed("db/notes.txt", theirs, "Their notes"));
 
-        const QStringList synced = lines_of(run(b, "sync", {}));
+        const QStringList synced = run(b, "sync", {});
         QVERIFY2(synced.join('\n').contains(QLatin1String("must resolve")), qPrintable(synced.join('\n')));
         QCOMPARE(GIT_SANDBOX::read(notes_b), local); // nothing local is lost by a sync
         QCOMPARE(records_of(run(b, "resolve", {"-n"})).size(), 1);
@@ -324,21 +321,14 @@ private slots:
         QTest::addColumn<QStringList>("flags");
         QTest::addColumn<QByteArray>("expected"); // "<missing>" when the file is gone
         QTest::addColumn<QString>("action");
-        QTest::newRow("changed file")
-            << QString() << "db/units.xml" << QStringList() << units_v1 << "reverted";
-        QTest::newRow("opened for edit") << "edit"
-                                         << "db/units.xml" << QStringList() << units_v1 << "reverted";
-        QTest::newRow("keep content")
-            << "edit"
-            << "db/units.xml" << QStringList{"-k"} << QByteArray("changed\n") << "reverted";
-        QTest::newRow("opened for delete") << "delete"
-                                           << "db/units.xml" << QStringList() << units_v1 << "reverted";
-        QTest::newRow("opened for add")
-            << "add"
-            << "db/new.xml" << QStringList() << QByteArray("changed\n") << "abandoned";
-        QTest::newRow("add wiped") << "add"
-                                   << "db/new.xml" << QStringList{"-w"} << QByteArray("<missing>")
-                                   << "abandoned";
+        const QStringList none;
+        const QByteArray changed("changed\n");
+        row("changed file", "", "db/units.xml", none, units_v1, "reverted");
+        row("opened for edit", "edit", "db/units.xml", none, units_v1, "reverted");
+        row("keep content", "edit", "db/units.xml", QStringList{"-k"}, changed, "reverted");
+        row("opened for delete", "delete", "db/units.xml", none, units_v1, "reverted");
+        row("opened for add", "add", "db/new.xml", none, changed, "abandoned");
+        row("add wiped", "add", "db/new.xml", QStringList{"-w"}, QByteArray("<missing>"), "abandoned");
     }
 
     void revert_restores_exactly()
@@ -372,7 +362,7 @@ private slots:
         run(a, "submit", {"-d", "From a"}, &ok);
         QVERIFY(ok);
 
-        const QStringList refused = lines_of(run(b, "submit", {"-d", "From b"}, &ok));
+        const QStringList refused = run(b, "submit", {"-d", "From b"}, &ok);
         QVERIFY(!ok);
         QVERIFY2(refused.join('\n').contains(QLatin1String("Out of date")), qPrintable(refused.join('\n')));
         QCOMPARE(GIT_SANDBOX::read(notes_b), QByteArray("a\nb\nc\nd\nB\n"));
@@ -381,7 +371,7 @@ private slots:
         run(b, "sync", {});
         run(b, "resolve", {"-am"});
         QCOMPARE(GIT_SANDBOX::read(notes_b), QByteArray("A\nb\nc\nd\nB\n"));
-        const QStringList submitted = lines_of(run(b, "submit", {"-d", "From b"}, &ok));
+        const QStringList submitted = run(b, "submit", {"-d", "From b"}, &ok);
         QVERIFY2(ok, qPrintable(submitted.join('\n')));
         run(a, "sync", {});
         QCOMPARE(GIT_SANDBOX::read(notes_a), QByteArray("A\nb\nc\nd\nB\n"));
@@ -396,7 +386,7 @@ private slots:
         run(b, "edit", {units_b});
         GIT_SANDBOX::write(units_b, "mine\n");
         bool ok = true;
-        const QStringList refused = lines_of(run(b, "submit", {"-d", "Blocked"}, &ok));
+        const QStringList refused = run(b, "submit", {"-d", "Blocked"}, &ok);
         QVERIFY(!ok);
         QVERIFY2(refused.join('\n').contains(QLatin1String("refused")), qPrintable(refused.join('\n')));
         QCOMPARE(GIT_SANDBOX::read(units_b), QByteArray("mine\n"));
@@ -475,23 +465,23 @@ private slots:
     {
         const QString units_a = file(a, "db/units.xml");
         const QString form = "Change:\tnew\n\nDescription:\n\tLocked work\n\tsecond line\n";
-        QStringList created = lines_of(run(a, "change", {"-i"}, nullptr, form));
+        QStringList created = run(a, "change", {"-i"}, nullptr, form);
         QVERIFY2(created.contains("Change 2 created."), qPrintable(created.join('\n')));
         run(a, "edit", {"-c", "2", units_a});
         GIT_SANDBOX::write(units_a, "locked work\n");
         const QVector<VCS_ZTAG_RECORD> opened = records_of(run(a, "opened", {"-c", "2"}));
         QCOMPARE(opened.size(), 1);
         QCOMPARE(opened.first().value("change"), "2");
-        QVERIFY(lines_of(run(a, "describe", {"-s", "2"})).first().contains(QLatin1String("*pending*")));
+        QVERIFY(run(a, "describe", {"-s", "2"}).first().contains(QLatin1String("*pending*")));
 
         // Someone else submits first: the pending number is taken.
         QVERIFY(sandbox->push_from_seed("db/notes.txt", "other\n", "Other work"));
         bool ok = false;
-        const QStringList submitted = lines_of(run(a, "submit", {"-c", "2"}, &ok));
+        const QStringList submitted = run(a, "submit", {"-c", "2"}, &ok);
         QVERIFY2(ok, qPrintable(submitted.join('\n')));
         QVERIFY2(submitted.contains("Change 2 renamed change 3 and submitted."),
                  qPrintable(submitted.join('\n')));
-        const QStringList described = lines_of(run(b, "describe", {"-s", "3"}));
+        const QStringList described = run(b, "describe", {"-s", "3"});
         QVERIFY(described.contains("\tsecond line"));
         // The workspace has the other submit's file at the revision it had.
         QCOMPARE(GIT_SANDBOX::read(file(a, "db/notes.txt")), notes_v1);

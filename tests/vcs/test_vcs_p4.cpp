@@ -3,6 +3,7 @@
 
 #include "kor_db_perforce.h"
 #include "p4_connection.h"
+#include "test_rows.h"
 #include "vcs_depot.h"
 #include "vcs_p4_depot.h"
 
@@ -10,6 +11,8 @@
 #include <QFile>
 #include <QTemporaryDir>
 #include <QtTest/QtTest>
+
+using ORBIN_TEST::row;
 
 class TEST_VCS_P4 : public QObject
 {
@@ -37,8 +40,9 @@ private:
         }
     }
 
-    // The logged calls: the arguments of each, without the working directory.
-    QList<QStringList> calls() const
+    // The logged calls: the arguments of each, without the working directory;
+    // with `verbs_only`, from the verb on (the global options left out).
+    QList<QStringList> calls(bool verbs_only = false) const
     {
         QList<QStringList> result;
         QFile log(answers + QStringLiteral("/calls.log"));
@@ -50,23 +54,20 @@ private:
                 continue;
             QStringList fields = QString::fromUtf8(line).split(QLatin1Char('\t'));
             fields.removeFirst();
+            while (verbs_only && !fields.isEmpty() && fields.first().startsWith(QLatin1String("-z")))
+                fields.removeFirst();
             result.append(fields);
         }
         return result;
     }
 
-    // The last call of a verb, from the verb on (the global options left out).
+    // The last call of a verb, from the verb on.
     QStringList last_call(const QString& verb) const
     {
-        const QList<QStringList> all = calls();
+        const QList<QStringList> all = calls(true);
         for (int i = all.size() - 1; i >= 0; --i)
-        {
-            QStringList arguments = all.at(i);
-            while (!arguments.isEmpty() && arguments.first().startsWith(QLatin1String("-z")))
-                arguments.removeFirst();
-            if (!arguments.isEmpty() && arguments.first() == verb)
-                return arguments;
-        }
+            if (all.at(i).value(0) == verb)
+                return all.at(i);
         return {};
     }
 
@@ -135,17 +136,11 @@ private slots:
         QTest::addColumn<QString>("file");
         QTest::addColumn<bool>("succeeds");
         QTest::addColumn<QString>("last_line");
-        QTest::newRow("edit") << "edit_ok"
-                              << "edit"
-                              << "db/units.xml" << true << QString();
-        QTest::newRow("edit of an unknown file")
-            << "edit_refused"
-            << "edit"
-            << "db/missing.xml" << false << "@ROOT@/db/missing.xml - file(s) not on client.";
-        QTest::newRow("revert of a file not opened")
-            << "edit_refused"
-            << "revert"
-            << "db/units.xml" << true << "@ROOT@/db/units.xml - file(s) not opened on this client.";
+        row("edit", "edit_ok", "edit", "db/units.xml", true, "");
+        row("edit of an unknown file", "edit_refused", "edit", "db/missing.xml", false,
+            "@ROOT@/db/missing.xml - file(s) not on client.");
+        row("revert of a file not opened", "edit_refused", "revert", "db/units.xml", true,
+            "@ROOT@/db/units.xml - file(s) not opened on this client.");
     }
 
     void commands_pass_through()
@@ -200,12 +195,6 @@ private slots:
         QVERIFY(files.contains("//raw_data/UI/army/army_panel.slpui.images#1 add"));
         // A file outside the client keeps its depot path.
         QVERIFY(files.contains("//depot/shared/tools/readme.txt#3 edit"));
-
-        // What the layout export makes of a line: "//" becomes the root, cut at "#".
-        const QString line = files.at(files.indexOf("//raw_data/UI/army/army_panel.slpui#12 edit"));
-        const QString local =
-            QString(line).replace("//", root + QLatin1Char('/')).section(QLatin1Char('#'), 0, 0);
-        QCOMPARE(local, root + QStringLiteral("/raw_data/UI/army/army_panel.slpui"));
     }
 
     void revision_helpers_build_the_command_lines()
@@ -372,12 +361,8 @@ private slots:
                      QStringLiteral("Database changes locked for submit: ") + db);
         }
         QStringList made;
-        for (QStringList call : calls())
-        {
-            while (!call.isEmpty() && call.first().startsWith(QLatin1String("-z")))
-                call.removeFirst();
+        for (const QStringList& call : calls(true))
             made.append(call.join(QLatin1Char(' ')));
-        }
         QCOMPARE(made, expected.replaceInStrings("@ROOT@", root));
     }
 

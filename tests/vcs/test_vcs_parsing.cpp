@@ -1,12 +1,15 @@
 // What the depot layer reads and writes as text: tagged client output,
 // file arguments, command options and the describe shape.
 
+#include "test_rows.h"
 #include "vcs_depot.h"
 #include "vcs_file_argument.h"
 #include "vcs_git_verbs.h"
 #include "vcs_ztag_record.h"
 
 #include <QtTest/QtTest>
+
+using ORBIN_TEST::row;
 
 class TEST_VCS_PARSING : public QObject
 {
@@ -20,25 +23,20 @@ private slots:
         QTest::addColumn<QString>("key");
         QTest::addColumn<QString>("value_in_first");
         QTest::addColumn<QStringList>("untagged");
-        QTest::newRow("blank lines between records")
-            << QStringList{"... depotFile //a", "... rev 1", "", "... depotFile //b", "... rev 2", ""} << 2
-            << "rev"
-            << "1" << QStringList();
-        QTest::newRow("a repeated field starts a record")
-            << QStringList{"... depotFile //a", "... rev 1", "... depotFile //b", "... rev 2"} << 2
-            << "depotFile"
-            << "//a" << QStringList();
-        QTest::newRow("description over lines and its closing blank line")
-            << QStringList{"... change 7",         "... desc First line", "second line", "", "third line", "",
-                           "... status submitted", "... depotFile0 //x"}
-            << 1 << "desc"
-            << "First line\nsecond line\n\nthird line" << QStringList();
-        QTest::newRow("a field without value")
-            << QStringList{"... isMapped", "... headRev 3"} << 1 << "isMapped"
-            << "" << QStringList();
-        QTest::newRow("messages before any field")
-            << QStringList{"Change 12 created.", "... change 12"} << 1 << "change"
-            << "12" << QStringList{"Change 12 created."};
+        row("blank lines between records",
+            QStringList{"... depotFile //a", "... rev 1", "", "... depotFile //b", "... rev 2", ""}, 2, "rev",
+            "1", QStringList());
+        row("a repeated field starts a record",
+            QStringList{"... depotFile //a", "... rev 1", "... depotFile //b", "... rev 2"}, 2, "depotFile",
+            "//a", QStringList());
+        row("description over lines and its closing blank line",
+            QStringList{"... change 7", "... desc First line", "second line", "", "third line", "",
+                        "... status submitted", "... depotFile0 //x"},
+            1, "desc", "First line\nsecond line\n\nthird line", QStringList());
+        row("a field without value", QStringList{"... isMapped", "... headRev 3"}, 1, "isMapped", "",
+            QStringList());
+        row("messages before any field", QStringList{"Change 12 created.", "... change 12"}, 1, "change",
+            "12", QStringList{"Change 12 created."});
     }
 
     void tagged_output_splits_into_records()
@@ -87,55 +85,22 @@ private slots:
         QTest::addColumn<QString>("folder");
         QTest::addColumn<QString>("matching");
         QTest::addColumn<QString>("not_matching");
-        const int none = VCS_FILE_ARGUMENT::REVISION_NONE_GIVEN;
-        QTest::newRow("absolute file") << "/ws/db/units.xml"
-                                       << "db/units.xml" << none << 0 << "db"
-                                       << "db/units.xml"
-                                       << "db/units.xml.bak";
-        QTest::newRow("windows separators") << "/ws\\db\\units.xml"
-                                            << "db/units.xml" << none << 0 << "db"
-                                            << "db/units.xml"
-                                            << "";
-        QTest::newRow("relative") << "db/units.xml"
-                                  << "db/units.xml" << none << 0 << "db"
-                                  << "db/units.xml"
-                                  << "";
-        QTest::newRow("depot syntax") << "//db/..."
-                                      << "db/..." << none << 0 << "db"
-                                      << "db/sub/a.xml"
-                                      << "dbx/a.xml";
-        QTest::newRow("one level") << "/ws/db/*.xml"
-                                   << "db/*.xml" << none << 0 << "db"
-                                   << "db/a.xml"
-                                   << "db/sub/a.xml";
-        QTest::newRow("whole workspace") << "//..."
-                                         << "..." << none << 0 << ""
-                                         << "any/where.txt"
-                                         << "";
-        QTest::newRow("the root folder") << "/ws"
-                                         << "..." << none << 0 << ""
-                                         << "a.txt"
-                                         << "";
-        QTest::newRow("have") << "/ws/db/a.xml#have"
-                              << "db/a.xml" << int(VCS_FILE_ARGUMENT::REVISION_HAVE) << 0 << "db"
-                              << "db/a.xml"
-                              << "";
-        QTest::newRow("revision") << "/ws/db/a.xml#3"
-                                  << "db/a.xml" << int(VCS_FILE_ARGUMENT::REVISION_FILE) << 3 << "db"
-                                  << "db/a.xml"
-                                  << "";
-        QTest::newRow("revision none") << "/ws/db/a.xml#0"
-                                       << "db/a.xml" << int(VCS_FILE_ARGUMENT::REVISION_DELETED) << 0 << "db"
-                                       << ""
-                                       << "";
-        QTest::newRow("changelist") << "/ws/db/...@120"
-                                    << "db/..." << int(VCS_FILE_ARGUMENT::REVISION_CHANGE) << 120 << "db"
-                                    << ""
-                                    << "";
-        QTest::newRow("at sign in a folder name") << "/ws/a@b/c.xml"
-                                                  << "a@b/c.xml" << none << 0 << "a@b"
-                                                  << "a@b/c.xml"
-                                                  << "";
+        const int none = VCS_FILE_ARGUMENT::REVISION_NONE_GIVEN, have = VCS_FILE_ARGUMENT::REVISION_HAVE,
+                  revision = VCS_FILE_ARGUMENT::REVISION_FILE, deleted = VCS_FILE_ARGUMENT::REVISION_DELETED,
+                  change = VCS_FILE_ARGUMENT::REVISION_CHANGE;
+        row("absolute file", "/ws/db/units.xml", "db/units.xml", none, 0, "db", "db/units.xml",
+            "db/units.xml.bak");
+        row("windows separators", "/ws\\db\\units.xml", "db/units.xml", none, 0, "db", "db/units.xml", "");
+        row("relative", "db/units.xml", "db/units.xml", none, 0, "db", "db/units.xml", "");
+        row("depot syntax", "//db/...", "db/...", none, 0, "db", "db/sub/a.xml", "dbx/a.xml");
+        row("one level", "/ws/db/*.xml", "db/*.xml", none, 0, "db", "db/a.xml", "db/sub/a.xml");
+        row("whole workspace", "//...", "...", none, 0, "", "any/where.txt", "");
+        row("the root folder", "/ws", "...", none, 0, "", "a.txt", "");
+        row("have", "/ws/db/a.xml#have", "db/a.xml", have, 0, "db", "db/a.xml", "");
+        row("revision", "/ws/db/a.xml#3", "db/a.xml", revision, 3, "db", "db/a.xml", "");
+        row("revision none", "/ws/db/a.xml#0", "db/a.xml", deleted, 0, "db", "", "");
+        row("changelist", "/ws/db/...@120", "db/...", change, 120, "db", "", "");
+        row("at sign in a folder name", "/ws/a@b/c.xml", "a@b/c.xml", none, 0, "a@b", "a@b/c.xml", "");
     }
 
     void file_arguments()
@@ -166,16 +131,11 @@ private slots:
     {
         QTest::addColumn<QString>("text");
         QTest::addColumn<QString>("message");
-        QTest::newRow("outside the workspace") << "/elsewhere/a.xml"
-                                               << "not in client view";
-        QTest::newRow("climbing out") << "//../a.xml"
-                                      << "not in client view";
-        QTest::newRow("label") << "/ws/a.xml@release"
-                               << "only changelist numbers";
-        QTest::newRow("unknown revision word") << "/ws/a.xml#latest"
-                                               << "unknown revision";
-        QTest::newRow("empty") << ""
-                               << "empty";
+        row("outside the workspace", "/elsewhere/a.xml", "not in client view");
+        row("climbing out", "//../a.xml", "not in client view");
+        row("label", "/ws/a.xml@release", "only changelist numbers");
+        row("unknown revision word", "/ws/a.xml#latest", "unknown revision");
+        row("empty", "", "empty");
     }
 
     void bad_file_arguments()
@@ -194,18 +154,14 @@ private slots:
         QTest::addColumn<QStringList>("flags");
         QTest::addColumn<QString>("change");
         QTest::addColumn<QStringList>("files");
-        QTest::newRow("flags then files")
-            << QStringList{"-n", "-k", "a", "b"} << QStringList{"-k", "-n"} << "" << QStringList{"a", "b"};
-        QTest::newRow("value apart") << QStringList{"-c", "12", "a"} << QStringList() << "12"
-                                     << QStringList{"a"};
-        QTest::newRow("value joined")
-            << QStringList{"-c12", "a"} << QStringList() << "12" << QStringList{"a"};
-        QTest::newRow("resolve flags are words")
-            << QStringList{"-at", "a"} << QStringList{"-at"} << "" << QStringList{"a"};
-        QTest::newRow("after a file nothing is an option")
-            << QStringList{"a", "-n"} << QStringList() << "" << QStringList{"a", "-n"};
-        QTest::newRow("double dash") << QStringList{"--", "-odd-name"} << QStringList() << ""
-                                     << QStringList{"-odd-name"};
+        row("flags then files", QStringList{"-n", "-k", "a", "b"}, QStringList{"-k", "-n"}, "",
+            QStringList{"a", "b"});
+        row("value apart", QStringList{"-c", "12", "a"}, QStringList(), "12", QStringList{"a"});
+        row("value joined", QStringList{"-c12", "a"}, QStringList(), "12", QStringList{"a"});
+        row("resolve flags are words", QStringList{"-at", "a"}, QStringList{"-at"}, "", QStringList{"a"});
+        row("after a file nothing is an option", QStringList{"a", "-n"}, QStringList(), "",
+            QStringList{"a", "-n"});
+        row("double dash", QStringList{"--", "-odd-name"}, QStringList(), "", QStringList{"-odd-name"});
     }
 
     void command_options()
