@@ -197,7 +197,17 @@ void VELD_TABLE_DATA_EDITOR_FORM::setup(QDialog* dialog)
     dates->addWidget(saveDatesButton);
     dates->addWidget(restoreDatesButton);
     dates->addStretch(1);
-    main_layout->addWidget(modificationFrame);
+    // The widest row of the window: in a narrow window it scrolls sideways
+    // rather than setting the editor's least width and clipping the table.
+    QScrollArea* dates_area = scrolling(modificationFrame);
+    dates_area->setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    const auto fit_dates = [dates_area, frame = modificationFrame](int, int scroll_range) {
+        const int bar = scroll_range > 0 ? dates_area->horizontalScrollBar()->sizeHint().height() : 0;
+        dates_area->setFixedHeight(frame->sizeHint().height() + bar);
+    };
+    fit_dates(0, 0);
+    QObject::connect(dates_area->horizontalScrollBar(), &QScrollBar::rangeChanged, dates_area, fit_dates);
+    main_layout->addWidget(dates_area);
 
     // The two filter panels side by side above the table; the user moves the
     // splitters to give the rows or the table more room, and many filter rows

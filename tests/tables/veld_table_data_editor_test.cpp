@@ -147,6 +147,10 @@ private slots:
         QVERIFY(!editor->form().showSchema->isEnabled()); // no main window
         QCOMPARE(editor->proxy().index(0, 0).data().toString(), QString("elephants"));
         QCOMPARE(editor->view()->frozen_view()->itemDelegate(), editor->view()->itemDelegate());
+        // The row of date controls scrolls rather than widening the window
+        // past a laptop's screen.
+        QVERIFY(editor->minimumSizeHint().width()
+                < editor->form().modificationFrame->minimumSizeHint().width());
 
         QString error;
         VELD_TABLE_DATA_EDITOR missing("no_such_table", m_db->session(), nullptr, false);
