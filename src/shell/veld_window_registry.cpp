@@ -68,7 +68,7 @@ bool VELD_WINDOW_REGISTRY::is_form_open(const QString& name, int type) const
     return find_form(name, type) != nullptr;
 }
 
-QMdiSubWindow* VELD_WINDOW_REGISTRY::find_form(const QString& name, int type) const
+QWidget* VELD_WINDOW_REGISTRY::form_widget(const QString& name, int type) const
 {
     const auto forms = m_forms.constFind(type);
     if (forms == m_forms.constEnd())
@@ -76,9 +76,14 @@ QMdiSubWindow* VELD_WINDOW_REGISTRY::find_form(const QString& name, int type) co
     return forms->value(name).data();
 }
 
+QMdiSubWindow* VELD_WINDOW_REGISTRY::find_form(const QString& name, int type) const
+{
+    return qobject_cast<QMdiSubWindow*>(form_widget(name, type));
+}
+
 bool VELD_WINDOW_REGISTRY::holds(const QString& name, int type, const QWidget* contents) const
 {
-    const QMdiSubWindow* window = find_form(name, type);
+    const QWidget* window = form_widget(name, type);
     // Compared through the parent: a form asks this from its destructor too,
     // while its sub-window is being destroyed.
     return window && contents && (window == contents || contents->parentWidget() == window);
@@ -169,7 +174,7 @@ bool VELD_WINDOW_REGISTRY::unregister_form(QString& error, const QString& name, 
     if (type != VELD_FORM_TYPE::LAUNCHER)
         --m_real_form_count;
 
-    const QPointer<QMdiSubWindow> window = forms->value(name);
+    const QPointer<QWidget> window = forms->value(name);
     if (window)
     {
         ORBIN_SETTINGS settings(QString::fromLatin1(GEOMETRIES));
@@ -203,8 +208,9 @@ void VELD_WINDOW_REGISTRY::close_all_forms(bool force)
     const auto snapshot = m_forms;
     for (auto forms = snapshot.constBegin(); forms != snapshot.constEnd(); ++forms)
     {
-        for (const QPointer<QMdiSubWindow>& window : *forms)
+        for (const QPointer<QWidget>& form : *forms)
         {
+            QPointer<QMdiSubWindow> window = qobject_cast<QMdiSubWindow*>(form.data());
             if (!window)
                 continue;
             if (force && forms.key() == VELD_FORM_TYPE::TABLE_DATA_EDITOR)
@@ -226,8 +232,9 @@ bool VELD_WINDOW_REGISTRY::any_unsaved_forms() const
     const auto forms = m_forms.constFind(VELD_FORM_TYPE::TABLE_DATA_EDITOR);
     if (forms == m_forms.constEnd())
         return false;
-    for (const QPointer<QMdiSubWindow>& window : *forms)
+    for (const QPointer<QWidget>& form : *forms)
     {
+        const auto* window = qobject_cast<const QMdiSubWindow*>(form.data());
         if (!window)
             continue;
         const auto* editor = dynamic_cast<const VELD_PENDING_CHANGES_FORM*>(window->widget());

@@ -75,8 +75,13 @@ public:
 private:
     VELD_WINDOW_REGISTRY() = default;
 
-    QMap<int, QMap<QString, QPointer<QMdiSubWindow>>> m_forms;
-    QHash<QMdiSubWindow*, int> m_reverse_lookups;
+    // The sub-window of a form, as a widget: forms ask from their
+    // destructors, when their sub-window is being destroyed and no longer is
+    // a QMdiSubWindow.
+    QWidget* form_widget(const QString& name, int type) const;
+
+    QMap<int, QMap<QString, QPointer<QWidget>>> m_forms;
+    QHash<const QWidget*, int> m_reverse_lookups;
     QPointer<QMdiArea> m_mdi_area;
     bool m_active = false;
     int m_form_count = 0;

@@ -118,6 +118,10 @@ VELD_TABLE_DATA_EDITOR::~VELD_TABLE_DATA_EDITOR()
                                                               VELD_FORM_TYPE::TABLE_DATA_EDITOR))
             emit statusUpdate(error);
     }
+    // The view sends events while it is destroyed, when it no longer is the
+    // frozen-column table the filter asks about.
+    m_view->frozen_view()->removeEventFilter(this);
+    m_view->removeEventFilter(this);
     delete m_view;
     m_view = nullptr;
     delete m_delegate;
