@@ -161,6 +161,16 @@ KOR_TABLE_DATA* KOR_XML_QUERY_INTERFACE_PRIVATE::loaded_table(const QString& nam
     return it == tables.end() ? nullptr : it->second.data.get();
 }
 
+KOR_TABLE_DATA* KOR_XML_QUERY_INTERFACE_PRIVATE::table_to_remove_from(QString& error, const QString& name)
+{
+    if (!permissions.can_remove(name))
+    {
+        fail(error, QStringLiteral("You do not have permission to remove records from table '%1'").arg(name));
+        return nullptr;
+    }
+    return table(error, name);
+}
+
 KOR_TABLE_DATA* KOR_XML_QUERY_INTERFACE_PRIVATE::table(QString& error, const QString& name, bool check_keys)
 {
     if (!connected)

@@ -118,6 +118,9 @@ public:
     // unknown table or a bad file. `check_keys` also reports references to
     // records that do not exist (once per table).
     KOR_TABLE_DATA* table(QString& error, const QString& name, bool check_keys = false);
+    // The table, when the user may remove its records; null with the
+    // permission or reading error otherwise.
+    KOR_TABLE_DATA* table_to_remove_from(QString& error, const QString& name);
     // Null unless read already.
     KOR_TABLE_DATA* loaded_table(const QString& name) const;
     void check_foreign_keys(const QString& name,

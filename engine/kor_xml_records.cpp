@@ -315,11 +315,7 @@ QString KOR_XML_QUERY_INTERFACE::remove_record(const QString& table_name, const 
 {
     QString error;
     d->run(error, [&](QString& operation_error) {
-        if (!d->permissions.can_remove(table_name))
-            return d->fail(operation_error,
-                           QStringLiteral("You do not have permission to remove records from table '%1'")
-                               .arg(table_name));
-        KOR_TABLE_DATA* table = d->table(operation_error, table_name);
+        KOR_TABLE_DATA* table = d->table_to_remove_from(operation_error, table_name);
         if (!table)
             return false;
         KOR_RECORD_DATA* target = d->find_record(*table, record.uuid(), record.key());
@@ -399,11 +395,7 @@ QUuid KOR_XML_QUERY_INTERFACE::remove_record_within_transaction(const QString& t
     QUuid removed;
     QString error;
     d->run(error, [&](QString& operation_error) {
-        if (!d->permissions.can_remove(table_name))
-            return d->fail(operation_error,
-                           QStringLiteral("You do not have permission to remove records from table '%1'")
-                               .arg(table_name));
-        KOR_TABLE_DATA* table = d->table(operation_error, table_name);
+        KOR_TABLE_DATA* table = d->table_to_remove_from(operation_error, table_name);
         if (!table)
             return false;
         KOR_RECORD_DATA* record = table->record_by_key(key);

@@ -97,33 +97,44 @@ private:
         return false;
     }
 
-    bool scan_bracketed()
+    // Reads up to `close`, a doubled `close` standing for one; the text
+    // without its delimiters goes to `text`. `stray`, unless null, may not
+    // appear inside.
+    bool scan_delimited(QChar close, QChar stray, const QString& unclosed, QString& text)
     {
         const int start = m_at++;
-        QString text;
         for (;;)
         {
             if (m_at >= m_sql.size())
-                return fail(start, QStringLiteral("the name opened here with '[' is not closed with ']'"));
+                return fail(start, unclosed);
             const QChar c = m_sql.at(m_at);
-            // Names never hold '[': one here means the ']' of this name was
-            // forgotten, and saying so beats a puzzle about a later token.
-            if (c == QLatin1Char('['))
-                return fail(start, QStringLiteral("the name opened here with '[' is not closed with ']'"));
-            if (c == QLatin1Char(']'))
+            if (!stray.isNull() && c == stray)
+                return fail(start, unclosed);
+            if (c == close)
             {
-                if (peek(1) == QLatin1Char(']'))
+                if (peek(1) == close)
                 {
                     text += c;
                     m_at += 2;
                     continue;
                 }
                 ++m_at;
-                break;
+                return true;
             }
             text += c;
             ++m_at;
         }
+    }
+
+    bool scan_bracketed()
+    {
+        const int start = m_at;
+        QString text;
+        // Names never hold '[': one inside means the ']' of this name was
+        // forgotten, and saying so beats a puzzle about a later token.
+        if (!scan_delimited(QLatin1Char(']'), QLatin1Char('['),
+                            QStringLiteral("the name opened here with '[' is not closed with ']'"), text))
+            return false;
         if (text.trimmed().isEmpty())
             return fail(start, QStringLiteral("empty name '[]'"));
         add(KOR_SQL_TOKEN::BRACKETED, start, text);
@@ -132,27 +143,11 @@ private:
 
     bool scan_text()
     {
-        const int start = m_at++;
+        const int start = m_at;
         QString text;
-        for (;;)
-        {
-            if (m_at >= m_sql.size())
-                return fail(start, QStringLiteral("the text opened here with a quote is not closed"));
-            const QChar c = m_sql.at(m_at);
-            if (c == QLatin1Char('\''))
-            {
-                if (peek(1) == QLatin1Char('\''))
-                {
-                    text += c;
-                    m_at += 2;
-                    continue;
-                }
-                ++m_at;
-                break;
-            }
-            text += c;
-            ++m_at;
-        }
+        if (!scan_delimited(QLatin1Char('\''), QChar(),
+                            QStringLiteral("the text opened here with a quote is not closed"), text))
+            return false;
         add(KOR_SQL_TOKEN::TEXT, start, text);
         return true;
     }
